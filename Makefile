@@ -1,0 +1,38 @@
+# The two commands of the project, each from a fresh clone on a fresh Debian 12 machine, and the
+# smaller ones that developers use. PRESET chooses the build (CMakePresets.json).
+PRESET ?= release
+BUILD  := build/$(PRESET)
+
+.PHONY: all demo test build packages format format-check lint bench fuzz clean
+
+all: build
+
+packages:
+	@tools/install_packages.sh
+
+$(BUILD)/build.ninja: | packages
+	cmake --preset $(PRESET)
+
+build: $(BUILD)/build.ninja
+	cmake --build --preset $(PRESET)
+
+demo: build
+	@tools/demo.sh $(BUILD)
+
+test: build
+	ctest --test-dir $(BUILD) --output-on-failure -j 2
+
+bench: build
+	tools/run_benchmarks.sh $(BUILD)
+
+format:
+	git ls-files '*.h' '*.cpp' | grep -v 'src/text/tables/' | xargs clang-format -i
+
+format-check:
+	git ls-files '*.h' '*.cpp' | grep -v 'src/text/tables/' | xargs clang-format --dry-run -Werror
+
+lint: build
+	git ls-files 'src/*.cpp' 'cli/*.cpp' | grep -v 'src/text/tables/' | xargs -P 2 -n 4 clang-tidy -p $(BUILD) --quiet
+
+clean:
+	rm -rf build
