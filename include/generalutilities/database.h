@@ -25,13 +25,13 @@ namespace generalutilities {
 struct DatabaseFailure {
     enum class Kind {
         None,
-        NotFound,   ///< no such file, table, column or index
-        NotAProject,///< the file is no database, or one that lacks what a project must have
-        Locked,     ///< another process holds the file, also after the wait
-        ReadOnly,   ///< the file or its folder cannot be written
+        NotFound,     ///< no such file, table, column or index
+        NotAProject,  ///< the file is no database, or one that lacks what a project must have
+        Locked,       ///< another process holds the file, also after the wait
+        ReadOnly,     ///< the file or its folder cannot be written
         DiskFull,
-        Corrupt,    ///< the file is damaged
-        Query,      ///< the SQL text is wrong
+        Corrupt,  ///< the file is damaged
+        Query,    ///< the SQL text is wrong
         OutOfMemory,
         Other,
     };
@@ -84,8 +84,9 @@ class Recordset {
 
     /// Names the index that `Seek` uses; fails if the table has no such index.
     virtual bool SetIndex(std::u16string_view name) = 0;
-    /// Moves to the first row whose index key equals `key`. The result says whether the search could
-    /// be made; `NoMatch` then says whether it found a row. Without a match there is no current row.
+    /// Moves to the first row whose index key equals `key`. The result says whether the search
+    /// could be made; `NoMatch` then says whether it found a row. Without a match there is no
+    /// current row.
     virtual bool Seek(std::u16string_view key) = 0;
     virtual bool NoMatch() = 0;
 };
@@ -100,7 +101,8 @@ struct FieldDefinition {
     /// characters stand for the empty text.
     std::variant<std::monostate, bool, std::int32_t, std::u16string> defaultValue;
     bool allowZeroLength = true;
-    /// A storage hint (the property "UnicodeCompression"); an engine without such a choice ignores it.
+    /// A storage hint (the property "UnicodeCompression"); an engine without such a choice ignores
+    /// it.
     bool unicodeCompression = false;
 };
 
@@ -116,7 +118,8 @@ class Database {
     virtual ~Database() = default;
 
     /// Opens a table by name or the rows of a SELECT; null when that fails.
-    virtual std::unique_ptr<Recordset> OpenRecordset(std::u16string_view name, RecordsetType type) = 0;
+    virtual std::unique_ptr<Recordset> OpenRecordset(std::u16string_view name,
+                                                     RecordsetType type) = 0;
 
     /// Runs an action query.
     virtual bool Execute(std::u16string_view query) = 0;

@@ -4,17 +4,23 @@
 
 /// Status values, as every method of a component and every driver function returns them.
 ///
-/// A negative value is a failure. 0 is success and 1 success with a negative answer. Values with the
-/// facility FACILITY_ITF (0x8004xxxx) are the library's own.
+/// A negative value is a failure. 0 is success and 1 success with a negative answer. Values with
+/// the facility FACILITY_ITF (0x8004xxxx) are the library's own.
 namespace generalutilities {
 
 using HRESULT = std::int32_t;
 
 /// Turns the customary unsigned spelling of a status into its value.
-constexpr HRESULT MakeStatus(std::uint32_t value) { return static_cast<HRESULT>(value); }
+constexpr HRESULT MakeStatus(std::uint32_t value) {
+    return static_cast<HRESULT>(value);
+}
 
-constexpr bool Succeeded(HRESULT status) { return status >= 0; }
-constexpr bool Failed(HRESULT status) { return status < 0; }
+constexpr bool Succeeded(HRESULT status) {
+    return status >= 0;
+}
+constexpr bool Failed(HRESULT status) {
+    return status < 0;
+}
 
 inline constexpr HRESULT S_OK = 0;
 inline constexpr HRESULT S_FALSE = 1;

@@ -8,8 +8,8 @@
 namespace generalutilities {
 
 enum class TextFileFormat : std::int32_t {
-    OneByte = 8,    ///< the low byte of each code unit
-    Utf8 = 65001,   ///< UTF-8 without a byte order mark; an unpaired surrogate becomes U+FFFD
+    OneByte = 8,   ///< the low byte of each code unit
+    Utf8 = 65001,  ///< UTF-8 without a byte order mark; an unpaired surrogate becomes U+FFFD
 };
 
 /// A text file open for writing. The first failed write is remembered: every later `Write`, and

@@ -3,9 +3,9 @@
 #include <string>
 #include <string_view>
 
-/// Case mapping and accent removal over constant tables of our own: the result depends on the string
-/// alone and is the same on every machine. No input is refused; an unpaired surrogate and U+0000
-/// pass through like any other code unit without a table row.
+/// Case mapping and accent removal over constant tables of our own: the result depends on the
+/// string alone and is the same on every machine. No input is refused; an unpaired surrogate and
+/// U+0000 pass through like any other code unit without a table row.
 namespace generalutilities {
 
 /// Each code unit in upper case; U+00DF becomes "SS".

@@ -26,7 +26,8 @@ enum WordTypeEnum : std::int32_t {
     qlnwtCode = 4,       ///< a placeholder
 };
 
-/// A stretch of a text. `first` and `end` are 0-based code unit indexes; `end` lies behind the last.
+/// A stretch of a text. `first` and `end` are 0-based code unit indexes; `end` lies behind the
+/// last.
 struct TextToken {
     std::int32_t first = 0;
     std::int32_t end = 0;

@@ -1,0 +1,79 @@
+#pragma once
+
+#include <generalutilities/automation/unknown.h>
+#include <generalutilities/text/words.h>
+
+namespace generalutilities {
+
+/// Text services that need no locale of the machine: folding, tokens, keys, search, distance,
+/// digits, code pages, languages. Created as `GeneralUtilities.StringUtils.1`.
+///
+/// S_FALSE means that no answer could be given; the result then stays unwritten. Where a method
+/// says "not implemented yet" it gives E_NOTIMPL and touches nothing.
+struct IStringUtils : IDispatch {
+    /// Punctuation of all scripts made plain ASCII, one unit for one, up to the first U+0000.
+    virtual HRESULT SimplifyString(BSTR bstrIn, std::int32_t LCID, BSTR* pbstrOut) noexcept = 0;
+    /// Not implemented yet.
+    virtual HRESULT ConvertStringToUnicode(std::int32_t lCodePage, BSTR bstrIn,
+                                           VARIANT_BOOL bTrueANSI, VARIANT_BOOL bNoConversion,
+                                           BSTR* pbstrOut) noexcept = 0;
+    /// Not implemented yet.
+    virtual HRESULT DetectCodePage(BSTR bstrIn, std::int32_t lDefLangCodePage,
+                                   std::int32_t* plCodePage) noexcept = 0;
+    /// Not implemented yet.
+    virtual HRESULT ConvertStringFromUnicode(std::int32_t lCodePage, BSTR bstrIn,
+                                             VARIANT_BOOL bTrueANSI, VARIANT_BOOL bNoConversion,
+                                             BSTR* pbstrOut) noexcept = 0;
+    /// Not implemented yet.
+    virtual HRESULT GetLangNativeName(std::int32_t LangID, BSTR* bstrOut) noexcept = 0;
+    /// Not implemented yet.
+    virtual HRESULT DetectLanguage(BSTR bstrIn, std::int32_t* plLangID) noexcept = 0;
+    /// Not implemented yet.
+    virtual HRESULT GetStringCodePages(BSTR bstrAnalyze, SAFEARRAY** pCodePages) noexcept = 0;
+    /// Not implemented yet.
+    virtual HRESULT LoadUnicodeResString(std::int32_t hInstance, std::int32_t lID,
+                                         BSTR* pbstrResult) noexcept = 0;
+    /// Not implemented yet.
+    virtual HRESULT EditDistance(BSTR bstrS1, BSTR bstrS2, double dCapitalizationPenalty,
+                                 double* pdDist) noexcept = 0;
+    /// Each code unit without its accents and compatibility forms; case stays.
+    virtual HRESULT DeAccentString(BSTR bstrIn, BSTR* pbstrOut) noexcept = 0;
+    /// Not implemented yet.
+    virtual HRESULT GenerateString(std::int32_t lScript, std::int32_t lLength,
+                                   BSTR* pbstrGen) noexcept = 0;
+    /// Not implemented yet.
+    virtual HRESULT FoldDigits(BSTR bstrIn, VARIANT_BOOL fMapAllNumerals,
+                               BSTR* pbstrRet) noexcept = 0;
+    /// Not implemented yet.
+    virtual HRESULT TranslateDigits(BSTR bstrIn, std::int32_t lLangID, BSTR* pbstrRet) noexcept = 0;
+    /// Not implemented yet.
+    virtual HRESULT SerializeCodes(BSTR* Source, IUnknown* dictTargets, std::int32_t* EmbeddedID,
+                                   SAFEARRAY** CodeNumbers, SAFEARRAY** CodeContents) noexcept = 0;
+    /// Upper case; U+00DF becomes "SS".
+    virtual HRESULT ToUpper(BSTR s, BSTR* p) noexcept = 0;
+    /// Lower case; the length stays.
+    virtual HRESULT ToLower(BSTR s, BSTR* p) noexcept = 0;
+    /// Not implemented yet.
+    virtual HRESULT IsStringInCodePage(BSTR bstrIn, std::int32_t cp,
+                                       VARIANT_BOOL* pRetVal) noexcept = 0;
+    /// True only for VARIANT_TRUE itself.
+    virtual HRESULT put_TTXIgnoreFonts(VARIANT_BOOL newVal) noexcept = 0;
+    virtual HRESULT get_TTXIgnoreFonts(VARIANT_BOOL* pVal) noexcept = 0;
+    /// The token at the 1-based position `CharPos` (0 counts as 1), its type, and the position of
+    /// the next one. Past the end `pVal` is null, `CharPos` 0, and `wt` stays.
+    virtual HRESULT ParseString(std::int32_t* CharPos, BSTR String, std::int32_t LangID,
+                                WordTypeEnum* wt, BSTR* pVal) noexcept = 0;
+    /// Not implemented yet.
+    virtual HRESULT Instr(std::int32_t start, BSTR s, BSTR tofind, std::int32_t* MatchLength,
+                          VARIANT_BOOL bMatchCase, VARIANT_BOOL bWholeWord,
+                          std::int32_t* retVal) noexcept = 0;
+    /// The index key of `s`, at most `cIndexSize` units. E_INVALIDARG for a null `s` or `pVal` and
+    /// for a size of 0.
+    virtual HRESULT ToIndex(BSTR s, std::int32_t LangID, std::int32_t cIndexSize,
+                            BSTR* pVal) noexcept = 0;
+    /// Without accents and in upper case; `pbstrIn` points to the input.
+    virtual HRESULT DeAccentUpperCaseString(BSTR* pbstrIn, BSTR* pbstrOut) noexcept = 0;
+};
+inline constexpr IID IID_IStringUtils = MakeGuid("{5DE6DC94-D54F-4602-A02B-88B048897573}");
+
+}  // namespace generalutilities
