@@ -57,10 +57,10 @@ enum ExportOption : std::int32_t {
 
 /// What the argument `FileID` of an export selects when it is no identifier of a row in `Files`.
 enum FileSelection : std::int32_t {
-    AllFiles = 0,            ///< every segment of every file
-    Lexicon = -1,            ///< the entries of the project's lexicon
-    AllFilesOldStyle = -2,   ///< the same as `AllFiles`
-    FilesAndLexicon = -3,    ///< everything but the rows of a file with the identifier 0
+    AllFiles = 0,          ///< every segment of every file
+    Lexicon = -1,          ///< the entries of the project's lexicon
+    EveryFile = -2,        ///< another value for `AllFiles`
+    FilesAndLexicon = -3,  ///< segments and lexicon, without what belongs to file 0
 };
 
 }  // namespace generalutilities

@@ -12,8 +12,8 @@ namespace generalutilities {
 /// disagree, `UniquePairsOnly` finds fewer duplicates. It is not the key of `ToIndex`.
 std::u16string MakeSourceKey(std::u16string_view text, std::int32_t langId);
 
-/// A text without its numbers and without spaces at its ends. Two texts are equal for an export when
-/// these forms are, unit by unit.
+/// A text without its numbers and without spaces at its ends. Two texts are equal for an export
+/// when these forms are, unit by unit.
 std::u16string CompareForm(std::u16string_view text, std::int32_t langId);
 
 }  // namespace generalutilities

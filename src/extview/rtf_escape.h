@@ -1,0 +1,13 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace generalutilities::rtf {
+
+/// Appends `text` as the running text of an RTF file, in 7-bit characters: control characters of
+/// the format escaped, line ends and tabs as control words, everything else beyond ASCII as \u with
+/// its unsigned value. CR, LF and CR LF are one line end each.
+void AppendEscaped(std::u16string& output, std::u16string_view text);
+
+}  // namespace generalutilities::rtf
