@@ -9,7 +9,8 @@
 /// Files of the operating system, by UTF-16 path (converted to UTF-8).
 namespace generalutilities::files {
 
-/// UTF-16 to the byte string that the system's calls take, and back.
+/// UTF-16 to the byte string that the system's calls take, and back. A path that has no such form
+/// (an unpaired surrogate or a zero in it) becomes the empty path, which every call refuses.
 std::string ToNativePath(std::u16string_view path);
 std::u16string FromNativePath(std::string_view path);
 
@@ -18,13 +19,14 @@ class FileReader {
   public:
     virtual ~FileReader() = default;
     virtual std::uint64_t Size() const = 0;
-    /// Reads up to `length` bytes at `offset` into `buffer` and gives how many were read: fewer only
-    /// at the end of the file. On an error of the device false.
-    virtual bool ReadAt(std::uint64_t offset, void* buffer, std::size_t length, std::size_t& read) = 0;
+    /// Reads up to `length` bytes at `offset` into `buffer` and gives how many were read: fewer
+    /// only at the end of the file. On an error of the device false.
+    virtual bool ReadAt(std::uint64_t offset, void* buffer, std::size_t length,
+                        std::size_t& read) = 0;
 };
 
-/// Opens an existing regular file for reading; null when that fails (a directory, too). The system's
-/// error number is in `error`, unless that is null.
+/// Opens an existing regular file for reading; null when that fails (a directory, too). The
+/// system's error number is in `error`, unless that is null.
 std::unique_ptr<FileReader> OpenForReading(std::u16string_view path, int* error = nullptr);
 
 }  // namespace generalutilities::files
