@@ -1,0 +1,130 @@
+#include "application.h"
+
+#include "command.h"
+#include "commands/classes_command.h"
+#include "commands/export_command.h"
+#include "commands/import_command.h"
+#include "commands/register_command.h"
+#include "commands/text_command.h"
+#include "failure.h"
+#if __has_include("commands/project_command.h")
+#include "commands/project_command.h"
+#endif
+#if __has_include("commands/review_command.h")
+#include "commands/review_command.h"
+#endif
+#if __has_include("commands/accept_command.h")
+#include "commands/accept_command.h"
+#endif
+
+#include <cstdio>
+#include <new>
+#include <sstream>
+
+namespace generalutilities::cli {
+namespace {
+
+constexpr const char* Overview =
+    R"(Exit codes: 0 done, 1 a negative answer, 2 wrong use, 3 a failure, with its description and
+source on standard error.
+
+The usual road, from a gettext catalogue to a reviewer and back:
+  genutil project create app.project --source en-US po/fr.po po/de.po
+  genutil export app.project -o review-fr.rtf --language fr-FR
+  genutil import app.project review-fr.rtf --language fr-FR --dry-run
+  genutil import app.project review-fr.rtf --language fr-FR
+  genutil review app.project --language fr-FR
+  genutil accept app.project --language fr-FR
+
+`genutil COMMAND --help` tells all about a command.)";
+
+void AddCommands(CLI::App& app, CommandContext& context) {
+#if __has_include("commands/project_command.h")
+    AddProjectCommand(app, context);
+#endif
+    AddExportCommand(app, context);
+    AddImportCommand(app, context);
+#if __has_include("commands/review_command.h")
+    AddReviewCommand(app, context);
+#endif
+#if __has_include("commands/accept_command.h")
+    AddAcceptCommand(app, context);
+#endif
+    AddTextCommand(app, context);
+    AddClassesCommand(app, context);
+    AddRegisterCommands(app, context);
+}
+
+/// The command as it was typed, such as "genutil text upper": the words that led to a subcommand.
+std::string CalledName(const CLI::App& app) {
+    std::string name = app.get_name();
+    const CLI::App* current = &app;
+    while (!current->get_subcommands().empty()) {
+        current = current->get_subcommands().front();
+        name += " " + current->get_name();
+    }
+    return name;
+}
+
+std::string Describe(const Failure& failure) {
+    std::string text = std::string(failure.what()) + "\n  reported by: " + failure.Source();
+    if (failure.Status() != S_OK) {
+        char status[24];
+        std::snprintf(status, sizeof status, " (0x%08X)",
+                      static_cast<unsigned int>(failure.Status()));
+        text += status;
+    }
+    return text;
+}
+
+ExitCode ParseAndRun(int argc, const char* const* argv, Console& console) {
+    CLI::App app("The general utilities library from the command line", "genutil");
+    app.footer(Overview);
+    app.set_version_flag("--version", "genutil " GENUTIL_VERSION);
+    app.require_subcommand(1);
+    CommandContext context{console, {}};
+    AddCommands(app, context);
+
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::Success& request) {  // help or version
+        std::ostringstream text;
+        app.exit(request, text, text);
+        console.Write(text.str());
+        return ExitCode::Done;
+    } catch (const CLI::ParseError& error) {
+        const std::string name = CalledName(app);
+        console.Error(std::string(error.what()) + "\nTry: " + name + " --help");
+        return ExitCode::WrongUse;
+    }
+    try {
+        return context.action();
+    } catch (const UsageError& error) {
+        console.Error(std::string(error.what()) + "\nTry: " + CalledName(app) + " --help");
+        return ExitCode::WrongUse;
+    }
+}
+
+}  // namespace
+
+ExitCode RunApplication(int argc, const char* const* argv, Console& console) {
+    ExitCode code = ExitCode::Failed;
+    try {
+        code = ParseAndRun(argc, argv, console);
+    } catch (const Failure& failure) {
+        console.Error(Describe(failure));
+    } catch (const std::bad_alloc&) {
+        console.Error("out of memory");
+    } catch (const std::exception& error) {
+        console.Error(std::string("unexpected failure: ") + error.what());
+    } catch (...) {
+        console.Error("unexpected failure");
+    }
+    if (!console.Finish()) {
+        console.Error("cannot write to standard output: " + console.FailureText());
+        return ExitCode::Failed;
+    }
+    return code;
+}
+
+}  // namespace generalutilities::cli

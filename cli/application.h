@@ -1,0 +1,12 @@
+#pragma once
+
+#include "console.h"
+#include "exit_codes.h"
+
+namespace generalutilities::cli {
+
+/// Reads the command line, runs the command it names, and turns whatever comes back, exceptions
+/// too, into an exit code and words on standard error.
+ExitCode RunApplication(int argc, const char* const* argv, Console& console);
+
+}  // namespace generalutilities::cli
