@@ -98,10 +98,6 @@ class PosixTextFileFactory final : public TextFileFactory {
   public:
     std::unique_ptr<TextFileStream> OpenTextFile(std::u16string_view path,
                                                  TextFileFormat format) override {
-        // The system's call would end the path at a U+0000 and write another file.
-        if (path.empty() || path.find(u'\0') != std::u16string_view::npos) {
-            return nullptr;
-        }
         auto stream = std::make_unique<PosixTextFileStream>(format);
         if (!stream->Open(files::ToNativePath(path))) {
             return nullptr;
