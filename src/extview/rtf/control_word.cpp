@@ -1,0 +1,171 @@
+#include "extview/rtf/control_word.h"
+
+#include "extview/rtf/byte_scan.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace generalutilities::rtf {
+
+namespace {
+
+constexpr bool IsDigit(char byte) {
+    return byte >= '0' && byte <= '9';
+}
+
+constexpr bool EndsName(char byte) {
+    return IsStructure(byte) || byte == ' ' || byte == '-' || IsDigit(byte);
+}
+
+/// How many bytes belong to the name; all of `bytes` if the name may go on behind them.
+std::size_t NameLength(std::string_view bytes) {
+    std::size_t i = LowerCaseLength(bytes);
+    while (i < bytes.size() && !EndsName(bytes[i])) {
+        ++i;
+    }
+    return i;
+}
+
+/// The value of a decimal number, digit by digit.
+class ArgumentValue {
+  public:
+    void Negate() { negative = true; }
+    void AddDigit(char digit) { magnitude = std::min(magnitude * 10 + (digit - '0'), Limit); }
+    std::int32_t Value() const {
+        const std::int64_t value = negative ? -magnitude : magnitude;
+        return static_cast<std::int32_t>(
+            std::min<std::int64_t>(value, std::numeric_limits<std::int32_t>::max()));
+    }
+
+  private:
+    static constexpr std::int64_t Limit = std::int64_t{1} << 31;
+
+    std::int64_t magnitude = 0;
+    bool negative = false;
+};
+
+/// Reads a word byte by byte, wherever page borders lie.
+ControlWord ReadAcrossPages(RtfFilePager& pager, std::uint32_t offset, std::string& spill) {
+    ControlWord word;
+    spill.clear();
+    word.end = offset;
+    for (;;) {
+        const std::string_view bytes = pager.BytesFrom(word.end);
+        const std::size_t length = NameLength(bytes);
+        spill.append(bytes.substr(0, length));
+        word.end += static_cast<std::uint32_t>(length);
+        if (length < bytes.size() || bytes.empty()) {
+            break;
+        }
+    }
+    word.name = spill;
+    word.nameEnd = word.end;
+    ArgumentValue value;
+    if (pager.ByteAt(word.end) == '-') {
+        value.Negate();
+        ++word.end;
+    }
+    for (; IsDigit(pager.ByteAt(word.end)); ++word.end) {
+        value.AddDigit(pager.ByteAt(word.end));
+    }
+    word.argument = value.Value();
+    word.hasArgument = word.end != word.nameEnd;
+    if (pager.ByteAt(word.end) == ' ') {
+        ++word.end;
+    }
+    return word;
+}
+
+}  // namespace
+
+ControlWord ReadControlWord(RtfFilePager& pager, std::uint32_t offset, std::string& spill) {
+    const std::string_view bytes = pager.BytesFrom(offset);
+    const std::size_t length = NameLength(bytes);
+    std::size_t i = length;
+    ArgumentValue value;
+    if (i < bytes.size() && bytes[i] == '-') {
+        value.Negate();
+        ++i;
+    }
+    for (; i < bytes.size() && IsDigit(bytes[i]); ++i) {
+        value.AddDigit(bytes[i]);
+    }
+    if (i == bytes.size()) {
+        return ReadAcrossPages(pager, offset, spill);
+    }
+    ControlWord word;
+    word.name = bytes.substr(0, length);
+    word.argument = value.Value();
+    word.hasArgument = i != length;
+    word.nameEnd = offset + static_cast<std::uint32_t>(length);
+    word.end = offset + static_cast<std::uint32_t>(i + (bytes[i] == ' ' ? 1 : 0));
+    return word;
+}
+
+namespace {
+
+struct MeaningRow {
+    std::string_view name;
+    WordMeaning meaning;
+};
+
+constexpr MeaningRow Meanings[] = {
+    {"u", {WordKind::Unicode}},
+    {"f", {WordKind::Font}},
+    {"s", {WordKind::Style}},
+    {"v", {WordKind::Inert}},
+    {"*", {WordKind::Destination}},
+    {"uc", {WordKind::FallbackCount}},
+    {"af", {WordKind::Font}},
+    {"cs", {WordKind::Style}},
+    {"ds", {WordKind::Style}},
+    {"ts", {WordKind::Style}},
+    {"plain", {WordKind::Inert}},
+    {"par", {WordKind::Characters, u"\r\n"}},
+    {"line", {WordKind::Characters, u"\n"}},
+    {"tab", {WordKind::Characters, u"\t"}},
+    {"lquote", {WordKind::Characters, u"\u2018"}},
+    {"rquote", {WordKind::Characters, u"\u2019"}},
+    {"ldblquote", {WordKind::Characters, u"\u201C"}},
+    {"rdblquote", {WordKind::Characters, u"\u201D"}},
+    {"bullet", {WordKind::Characters, u"\u2022"}},
+    {"endash", {WordKind::Characters, u"\u2013"}},
+    {"emdash", {WordKind::Characters, u"\u2014"}},
+    {"zwbo", {WordKind::Characters, u"\u200B"}},
+    {"zwnbo", {WordKind::Characters, u"\uFEFF"}},
+    {"zwj", {WordKind::Characters, u"\u200D"}},
+    {"zwnj", {WordKind::Characters, u"\u200C"}},
+};
+
+}  // namespace
+
+WordMeaning MeaningOf(std::string_view name) {
+    for (const MeaningRow& row : Meanings) {
+        if (row.name == name) {
+            return row.meaning;
+        }
+    }
+    return {};
+}
+
+void ControlWordSet::Clear() {
+    names.clear();
+    seen.fill(0);
+    for (const MeaningRow& row : Meanings) {
+        Note(row.name);
+    }
+}
+
+void ControlWordSet::Add(std::string_view name) {
+    names.emplace(name);
+    if (!name.empty()) {
+        Note(name);
+    }
+}
+
+const std::string* ControlWordSet::Find(std::string_view name) const {
+    const auto found = names.find(name);
+    return found == names.end() ? nullptr : &*found;
+}
+
+}  // namespace generalutilities::rtf
