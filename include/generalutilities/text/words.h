@@ -41,13 +41,14 @@ struct NumberSeparators {
     char16_t thousands = 0;
     char16_t decimal = 0;
     char16_t altThousands = 0;  ///< U+0020 where `thousands` is U+00A0
-    char16_t altDecimal = 0;
+    char16_t altDecimal = 0;    ///< no language of the table has one
 
     /// The separators of a language; all 0 for a language that is not in the table.
     static NumberSeparators OfLanguage(std::int32_t langId);
 };
 
 /// The two scanners for one language. Cheap to make: it holds the separators and nothing else.
+/// A text of more than 2^31 - 1 code units is refused with std::length_error.
 class WordParser {
   public:
     explicit WordParser(std::int32_t langId);

@@ -1,0 +1,1 @@
+generalutilities_fuzz(words LINK gu-text)

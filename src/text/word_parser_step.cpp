@@ -1,0 +1,101 @@
+// ParseStep: one token at a time, from any position. A word may start with "&" (the mark of a
+// menu's access key), Han continues a word, and a decimal sign keeps one separator in front of it.
+// What the position is in the whole text matters in two places: at index 0 there is nothing to look
+// back at, and elsewhere the unit before a decimal sign decides, also when an earlier token holds
+// it.
+
+#include <generalutilities/text/words.h>
+
+#include "text/word_scan.h"
+
+#include <algorithm>
+
+namespace generalutilities {
+namespace {
+
+/// The end of the word at `first`; `first` itself when a lone "&" turns out to start none.
+std::size_t WordEnd(std::u16string_view text, std::size_t first, bool apostropheJoins) {
+    std::size_t i = first + 1;
+    for (; i < text.size(); ++i) {
+        const char16_t unit = text[i];
+        if ((CharClasses(unit) & (charclass::Letter | charclass::Number)) != 0 || unit == u'&') {
+            continue;
+        }
+        if (unit != u'\'') {
+            return text[first] == u'&' && i == first + 1 ? first : i;
+        }
+        if (!apostropheJoins) {
+            return i + 1;
+        }
+    }
+    return i;
+}
+
+/// The token at `first` where no word, number or East Asian unit starts: a separator run mostly.
+TextToken SeparatorToken(const NumberSeparators& separators, std::u16string_view text,
+                         std::size_t first) {
+    std::size_t ampersandsEnd = 0;  // the "&" before this index have been looked behind already
+    for (std::size_t i = first;;) {
+        const char16_t unit = text[i];
+        if (unit == u'{') {
+            if (const std::size_t length = PlaceholderLength(text, i); length > 0) {
+                return i == first ? MakeToken(first, first + length, qlnwtCode)
+                                  : MakeToken(first, i, qlnwtSeparator);
+            }
+            ++i;
+        } else if (unit == u'&') {
+            if (i >= ampersandsEnd) {
+                ampersandsEnd = std::min(text.find_first_not_of(u'&', i), text.size());
+            }
+            if (ampersandsEnd < text.size() && IsLetter(text[ampersandsEnd])) {
+                return MakeToken(first, i, qlnwtSeparator);
+            }
+            ++i;
+        } else if (IsDecimal(separators, unit) && i + 1 < text.size() && IsNumber(text[i + 1])) {
+            const bool ownsOneBefore = i == first + 1;
+            if (i == 0 || (ownsOneBefore && IsSeparator(text[i - 1]))) {
+                return MakeToken(first, NumberEnd(separators, text, i + 1), qlnwtDigit);
+            }
+            if (IsSeparator(text[i - 1])) {
+                return MakeToken(first, i + 1, qlnwtSeparator);
+            }
+        }
+        // A "{" or "&" that starts nothing takes the separator behind it along, unlooked at.
+        if (i == text.size() || !IsSeparator(text[i])) {
+            return MakeToken(first, i, qlnwtSeparator);
+        }
+        if (++i == text.size()) {
+            return MakeToken(first, i, qlnwtSeparator);
+        }
+    }
+}
+
+}  // namespace
+
+WordParser::WordParser(std::int32_t id)
+    : langId(id), separators(NumberSeparators::OfLanguage(id)) {}
+
+std::optional<TextToken> WordParser::ParseStep(std::u16string_view text,
+                                               std::size_t position) const {
+    CheckTextLength(text);
+    if (position >= text.size()) {
+        return std::nullopt;
+    }
+    const char16_t unit = text[position];
+    const std::uint8_t classes = CharClasses(unit);
+    if ((classes & charclass::EastAsian) != 0) {
+        return MakeToken(position, position + 1, qlnwtDBCS);
+    }
+    if ((classes & charclass::Letter) != 0 || unit == u'&') {
+        const std::size_t end = WordEnd(text, position, langId == 1033);
+        if (end != position) {
+            return MakeToken(position, end, qlnwtWord);
+        }
+    }
+    if ((classes & charclass::Number) != 0) {
+        return MakeToken(position, NumberEnd(separators, text, position), qlnwtDigit);
+    }
+    return SeparatorToken(separators, text, position);
+}
+
+}  // namespace generalutilities
