@@ -55,10 +55,10 @@ inline std::u16string Describe(std::u16string_view text, const std::vector<TextT
 
 /// Texts that cost the square of their length if a look-ahead or look-behind is repeated.
 inline std::vector<std::u16string> HostileTexts() {
-    const std::size_t size = 1'000'000;
-    const auto repeat = [size](std::u16string_view piece) {
+    constexpr std::size_t Size = 1'000'000;
+    const auto repeat = [](std::u16string_view piece) {
         std::u16string text;
-        while (text.size() < size) {
+        while (text.size() < Size) {
             text += piece;
         }
         return text;
