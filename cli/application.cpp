@@ -66,15 +66,11 @@ std::string CalledName(const CLI::App& app) {
     return name;
 }
 
-std::string Describe(const Failure& failure) {
-    std::string text = std::string(failure.what()) + "\n  reported by: " + failure.Source();
-    if (failure.Status() != S_OK) {
-        char status[24];
-        std::snprintf(status, sizeof status, " (0x%08X)",
-                      static_cast<unsigned int>(failure.Status()));
-        text += status;
-    }
-    return text;
+/// The words of a failure, who reported it, and its status.
+std::string Describe(const Error& failure, const std::string& source) {
+    char status[16];
+    std::snprintf(status, sizeof status, "0x%08X", static_cast<unsigned int>(failure.Status()));
+    return std::string(failure.what()) + "\n  reported by " + source + ", status " + status;
 }
 
 ExitCode ParseAndRun(int argc, const char* const* argv, Console& console) {
@@ -112,7 +108,9 @@ ExitCode RunApplication(int argc, const char* const* argv, Console& console) {
     try {
         code = ParseAndRun(argc, argv, console);
     } catch (const Failure& failure) {
-        console.Error(Describe(failure));
+        console.Error(Describe(failure, failure.Source()));
+    } catch (const Error& error) {
+        console.Error(Describe(error, "GeneralUtilities"));
     } catch (const std::bad_alloc&) {
         console.Error("out of memory");
     } catch (const std::exception& error) {

@@ -54,6 +54,7 @@ void Check(HRESULT status, std::string_view doing) {
 OpenProject OpenProjectFile(const std::string& path) {
     const std::u16string location = ArgumentToUtf16("PROJECT", path);
     OpenProject project;
+    project.path = path;
     SetErrorInfo(0, nullptr);
     Check(OpenProjectDatabase(location.c_str(), project.object.Out()), "opening " + path);
     project.access = project.object.As<IProjectDatabase>(IID_IProjectDatabase);

@@ -28,6 +28,7 @@ ComPtr<Interface> CreateComponent(REFCLSID clsid, REFIID iid, std::string_view c
 /// An open project as the components take it, with the database behind it for what the tool asks
 /// itself. Both end together.
 struct OpenProject {
+    std::string path;  ///< as it was typed
     ComPtr<IUnknown> object;
     ComPtr<IProjectDatabase> access;
     Database* database = nullptr;  ///< belongs to `access`

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <iostream>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
@@ -100,8 +101,12 @@ int Console::ErrorWidth() const {
     return 80;
 }
 
+std::ostream& Console::Output() {
+    return std::cout;  // which shares the buffer of stdout, so that the order stays
+}
+
 bool Console::Finish() {
-    if (std::fflush(stdout) != 0) {
+    if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0 || !std::cout) {
         RememberFailure();
     }
     return failureText.empty();

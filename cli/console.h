@@ -1,5 +1,6 @@
 #pragma once
 
+#include <iosfwd>
 #include <string>
 #include <string_view>
 
@@ -18,6 +19,8 @@ class Console {
     /// Writes a result. A failed write is remembered and told by `Finish`.
     void Write(std::string_view text);
     void WriteLine(std::string_view text);
+    /// Standard output as a stream, for what writes itself.
+    std::ostream& Output();
 
     /// One line on standard error each.
     void Note(std::string_view text);

@@ -1,15 +1,17 @@
 #pragma once
 
-#include <generalutilities/status.h>
+#include <generalutilities/error.h>
 
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 /// The two ways in which a command gives up. A command throws; the application turns what it threw
-/// into words on standard error and an exit code.
+/// into words on standard error and an exit code. The plain functions of the library throw `Error`,
+/// which ends like a `Failure`.
 namespace generalutilities::cli {
 
-/// The command line asks for something that cannot be: ends as `ExitCode::WrongUse`.
+/// The command line itself is wrong, whatever the disk holds: ends as `ExitCode::WrongUse`.
 class UsageError : public std::runtime_error {
   public:
     using std::runtime_error::runtime_error;
@@ -17,20 +19,17 @@ class UsageError : public std::runtime_error {
 
 /// The work failed: ends as `ExitCode::Failed`. `what()` says what happened to which file, row or
 /// byte, what was expected and what to try.
-class Failure : public std::runtime_error {
+class Failure : public Error {
   public:
     /// `source` names who reported it, such as "GeneralUtilities.ExtViewHelper.1" or "SQLite".
     explicit Failure(const std::string& description, std::string reportedBy = "genutil",
-                     HRESULT failedStatus = S_OK)
-        : std::runtime_error(description), source(std::move(reportedBy)), status(failedStatus) {}
+                     HRESULT failedStatus = E_FAIL)
+        : Error(failedStatus, description), source(std::move(reportedBy)) {}
 
     const std::string& Source() const { return source; }
-    /// The component's status; S_OK when no component was involved.
-    HRESULT Status() const { return status; }
 
   private:
     std::string source;
-    HRESULT status;
 };
 
 }  // namespace generalutilities::cli

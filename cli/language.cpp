@@ -1,23 +1,26 @@
 #include "language.h"
 
-#include "failure.h"
+#include <generalutilities/project/language_tags.h>
 
-#include <charconv>
+#include "failure.h"
+#include "unicode.h"
 
 namespace generalutilities::cli {
 
 std::int32_t ParseLanguage(const std::string& option, const std::string& language) {
-    std::int32_t langId = 0;
-    const char* end = language.data() + language.size();
-    const auto [stop, error] = std::from_chars(language.data(), end, langId);
-    if (error != std::errc() || stop != end || langId <= 0 || langId > 0xFFFF) {
-        throw UsageError(option + ": \"" + language + "\" is no known language");
+    const auto langId = LangIdOfTag(ArgumentToUtf16(option, language));
+    if (!langId) {
+        throw UsageError(option + ": \"" + language +
+                         "\" is no known language; give a tag such as fr-FR or a Windows language "
+                         "identifier such as 1036");
     }
-    return langId;
+    return *langId;
 }
 
 std::string LanguageName(std::int32_t langId) {
-    return std::to_string(langId);
+    const std::string tag = ToUtf8(TagOfLangId(langId));
+    const std::string number = std::to_string(langId);
+    return tag == number ? number : tag + " (" + number + ")";
 }
 
 }  // namespace generalutilities::cli
