@@ -1,17 +1,20 @@
-// For each row that is not marked yet, the rows with the same source key are read, and those that
-// are equal to it are marked. All but one, that is: in the order in which the query gives the
-// group, the first of the equal rows stays.
+// Each row that is not marked yet is held against the rows with its source key. Those that are
+// equal to it are marked, but for the first of them, in the order in which the query of the key
+// gives them.
+//
+// Reading that query anew for each row is the rule in its plain form; it costs the square of the
+// group's size. DuplicateGroups comes to the same marks at a linear cost, and works wherever
+// identifiers tell the rows apart. The plain form is left for a damaged project where they do not.
 
 #include "extview/duplicate_marking.h"
 
 #include <generalutilities/extview/export_options.h>
-#include <generalutilities/extview/segment_text.h>
 #include <generalutilities/extview/source_key.h>
 
-#include "extview/dao_recordset.h"
+#include "extview/duplicate_groups.h"
+#include "extview/duplicate_rows.h"
 
 #include <string>
-#include <string_view>
 
 namespace generalutilities {
 
@@ -19,54 +22,25 @@ namespace {
 
 constexpr std::int64_t PercentOfThisPass = 60;
 
-// Positions of the bound fields, the same in both recordsets.
-enum Position { SourcePosition = 1, TargetPosition, DonePosition, IdPosition };
-
-void BindFields(DaoRecordset& rows) {
-    rows.BindField(SourcePosition, u"Source");
-    rows.BindField(TargetPosition, u"Target");
-    rows.BindField(DonePosition, u"Done");
-    rows.BindField(IdPosition, u"ID");
-}
-
-std::u16string_view Text(DaoRecordset& rows, Position position) {
-    return rows.GetString(position).value_or(std::u16string_view());
-}
-
-std::u16string SourceForm(DaoRecordset& rows, const DuplicateSearch& search) {
-    return CompareForm(StripBraces(Text(rows, SourcePosition)), search.sourceLangId);
-}
-
-std::u16string TargetForm(DaoRecordset& rows, const DuplicateSearch& search) {
-    return CompareForm(StripBraces(StripCodeMarkers(Text(rows, TargetPosition))),
-                       search.targetLangId);
-}
-
-// Marks the rows that are equal to the current row of `outer`.
-void MarkEqualRows(Database& database, const DuplicateSearch& search, DaoRecordset& outer) {
-    const std::u16string key = MakeSourceKey(Text(outer, SourcePosition), search.sourceLangId);
-    DaoRecordset inner;
-    inner.Open(database,
-               search.queries.duplicateQuery + QuoteSql(key) + search.queries.duplicateTail, true);
-    if (inner.IsEmpty()) {
+void MarkRowsEqualTo(DuplicateRows& outer, Database& database, const DuplicateSearch& search) {
+    const std::u16string key = MakeSourceKey(outer.Source(), search.sourceLangId);
+    DuplicateRows inner(search.sourceLangId, search.targetLangId);
+    if (!inner.Open(database,
+                    search.queries.duplicateQuery + QuoteSql(key) + search.queries.duplicateTail) ||
+        inner.IsEmpty()) {
         return;
     }
-    BindFields(inner);
-    const std::u16string id(Text(outer, IdPosition));
-    const std::u16string sourceForm = SourceForm(outer, search);
-    const std::u16string targetForm = TargetForm(outer, search);
+    const std::u16string sourceForm = outer.SourceForm();
+    const std::u16string targetForm = outer.TargetForm();
     bool first = true;
     do {
-        if (Text(inner, IdPosition) == id) {
+        if (inner.Id() == outer.Id()) {
             first = false;
-        } else if (SourceForm(inner, search) == sourceForm &&
-                   TargetForm(inner, search) == targetForm) {
-            if (first) {
-                first = false;
-            } else if (inner.Edit()) {
-                inner.SetBool(DonePosition, true);
-                inner.Update();
+        } else if (inner.SourceForm() == sourceForm && inner.TargetForm() == targetForm) {
+            if (!first) {
+                inner.MarkDone();
             }
+            first = false;
         }
     } while (inner.MoveNext());
 }
@@ -82,20 +56,27 @@ bool MarkDuplicates(Database& database, const DuplicateSearch& search) {
     if (!search.uniquePairsOnly) {
         return true;
     }
-    DaoRecordset outer;
-    if (!outer.Open(database, search.queries.mainQuery, true)) {
+
+    DuplicateRows outer(search.sourceLangId, search.targetLangId);
+    if (!outer.Open(database, search.queries.mainQuery)) {
         return false;
     }
     if (outer.IsEmpty()) {
         return true;
     }
+    DuplicateGroups groups(database, search);
+    const bool isGrouped = groups.Prepare();
+
     const std::int64_t total = outer.Count();
-    BindFields(outer);
     std::int64_t counter = 0;
     std::int64_t lastPercent = -1;
     do {
-        if (!outer.GetBool(DonePosition)) {
-            MarkEqualRows(database, search, outer);
+        if (!outer.IsDone()) {
+            if (isGrouped) {
+                groups.MarkEqualRows(outer);
+            } else {
+                MarkRowsEqualTo(outer, database, search);
+            }
         }
         counter += PercentOfThisPass;
         if (search.progress != nullptr && counter / total != lastPercent) {
@@ -104,6 +85,7 @@ bool MarkDuplicates(Database& database, const DuplicateSearch& search) {
                                             search.targetLangId);
         }
     } while (outer.MoveNext());
+    groups.WriteMarks();
     return true;
 }
 

@@ -45,6 +45,8 @@ struct RowQueries {
     std::u16string duplicateQuery;
     std::u16string duplicateTail;
 
+    std::u16string keyQuery;  ///< identifier and source key of the rows that go out
+
     std::u16string whereClause;  ///< the selection without the conditions on `Done` and `Selected`
 };
 

@@ -1,0 +1,184 @@
+// The rows that UniquePairsOnly leaves out, against a plain model over rows in memory.
+
+#include "extview/duplicate_marking.h"
+
+#include <generalutilities/extview/export_options.h>
+#include <generalutilities/extview/segment_text.h>
+
+#include "test_project.h"
+
+#include <algorithm>
+#include <chrono>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <numeric>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace generalutilities {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing_support::PairRow;
+using testing_support::TestProject;
+
+constexpr std::int32_t SourceLanguage = 1033;
+constexpr std::int32_t TargetLanguage = 1036;
+
+std::vector<std::u16string> Mark(TestProject& project, std::int32_t options = UniquePairsOnly,
+                                 std::int32_t fileId = AllFiles) {
+    const auto flags = DecodeOptions(options);
+    const auto queries = BuildQueries(flags, fileId, TargetLanguage, u"");
+    EXPECT_TRUE(MarkDuplicates(project.database(), {.queries = queries,
+                                                    .uniquePairsOnly = flags.uniquePairsOnly,
+                                                    .sourceLangId = SourceLanguage,
+                                                    .targetLangId = TargetLanguage,
+                                                    .fileId = fileId}));
+    return project.DoneRows();
+}
+
+std::vector<std::u16string> MarkedOf(const std::vector<PairRow>& rows) {
+    TestProject project;
+    project.Add(rows);
+    return Mark(project);
+}
+
+// The rule in its plain form: each row not yet marked, in the order of the identifiers, against all
+// rows with its key that are not yet marked, in the order of the table.
+std::vector<std::u16string> MarkedByTheModel(const std::vector<PairRow>& rows) {
+    const auto source = [](const PairRow& row) {
+        return CompareForm(StripBraces(row.source), SourceLanguage);
+    };
+    const auto target = [](const PairRow& row) {
+        return CompareForm(StripBraces(StripCodeMarkers(row.target.value_or(u""))), TargetLanguage);
+    };
+    const auto storedKey = [](const PairRow& row) {
+        return row.sourceKey.value_or(MakeSourceKey(row.source, SourceLanguage));
+    };
+    std::vector<std::size_t> order(rows.size());
+    std::iota(order.begin(), order.end(), 0);
+    std::stable_sort(order.begin(), order.end(), [&](std::size_t left, std::size_t right) {
+        return rows[left].id < rows[right].id;
+    });
+    std::vector<bool> done(rows.size());
+    for (const std::size_t outer : order) {
+        if (done[outer]) {
+            continue;
+        }
+        const std::u16string key = MakeSourceKey(rows[outer].source, SourceLanguage);
+        const std::vector<bool> doneAtOpening = done;
+        bool first = true;
+        for (std::size_t inner = 0; inner < rows.size(); ++inner) {
+            if (doneAtOpening[inner] || storedKey(rows[inner]) != key) {
+                continue;
+            }
+            if (rows[inner].id == rows[outer].id) {
+                first = false;
+            } else if (source(rows[inner]) == source(rows[outer]) &&
+                       target(rows[inner]) == target(rows[outer])) {
+                done[inner] = !first;
+                first = false;
+            }
+        }
+    }
+    std::vector<std::u16string> marked;
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        if (done[i]) {
+            marked.push_back(rows[i].id);
+        }
+    }
+    return marked;
+}
+
+TEST(MarkDuplicates, EqualPairs) {
+    // Equal but for numbers, codes in braces, shown code texts on the target side, outer blanks.
+    EXPECT_THAT(MarkedOf({{.id = u"1", .source = u"Page 1", .target = u"Page 1"},
+                          {.id = u"2", .source = u"Page 22", .target = u"Page 3"},
+                          {.id = u"3", .source = u"Page {1}4", .target = u" Page\6{7}\7x\b "},
+                          {.id = u"4", .source = u"Page 1", .target = u"Seite 1"},
+                          {.id = u"5", .source = u"page 1", .target = u"Page 1"}}),
+                ElementsAre(u"2", u"3"));
+    // A missing target is an empty one; numbers alone have the empty key; keys may need quoting.
+    EXPECT_THAT(MarkedOf({{.id = u"1", .source = u"don't", .target = u""},
+                          {.id = u"2", .source = u"don't"},
+                          {.id = u"3", .source = u"1"},
+                          {.id = u"4", .source = u"2"},
+                          {.id = u"5", .source = u"..."}}),
+                ElementsAre(u"2", u"4"));
+    // The host's key decides who is compared.
+    EXPECT_THAT(MarkedOf({{.id = u"1", .source = u"a", .sourceKey = u"x"},
+                          {.id = u"2", .source = u"a", .sourceKey = u"x"}}),
+                IsEmpty());
+}
+
+TEST(MarkDuplicates, TheFirstInTheOrderOfTheTableStays) {
+    EXPECT_THAT(MarkedOf({{.id = u"2", .source = u"a"},
+                          {.id = u"10", .source = u"a"},
+                          {.id = u"1", .source = u"a"}}),
+                ElementsAre(u"10", u"1"));
+}
+
+TEST(MarkDuplicates, OnlyInTheSelection) {
+    TestProject project;
+    project.Add({{.id = u"1", .source = u"a", .fileId = 1, .selected = false},
+                 {.id = u"2", .source = u"a", .status = StatusLocked, .fileId = 1},
+                 {.id = u"3", .source = u"a", .fileId = 1},
+                 {.id = u"4", .source = u"a", .fileId = 2},
+                 {.id = u"5", .source = u"a", .fileId = 1}});
+    EXPECT_THAT(Mark(project, UniquePairsOnly | SkipLocked, 1), ElementsAre(u"5"));
+    EXPECT_THAT(Mark(project, UniquePairsOnly, 1), ElementsAre(u"3", u"5"));
+    EXPECT_THAT(Mark(project), ElementsAre(u"3", u"4", u"5"));
+    // An export of one file clears the marks of its own rows alone.
+    EXPECT_THAT(Mark(project, 0, 1), ElementsAre(u"4"));
+    EXPECT_THAT(Mark(project, 0, EveryFile), IsEmpty());
+}
+
+TEST(MarkDuplicates, AgreesWithTheModelOnRandomProjects) {
+    const unsigned seed = std::random_device()();
+    SCOPED_TRACE(seed);
+    std::mt19937 random(seed);
+    const auto oneOf = [&](const std::vector<std::u16string>& values) {
+        return values[random() % values.size()];
+    };
+    for (int round = 0; round < 60; ++round) {
+        std::vector<PairRow> rows;
+        const bool repeatedIds = round % 6 == 0;
+        const auto count = random() % 40;
+        for (unsigned i = 0; i < count; ++i) {
+            PairRow row;
+            row.id = Decimal(static_cast<std::int32_t>(i * 7919 % 41 + 1));
+            if (repeatedIds && random() % 3 == 0) {
+                row.id = u"5";
+            }
+            row.source = oneOf({u"a", u"b", u"a 1", u"{2} a", u"7", u"it's"});
+            row.target = oneOf({u"x", u"y", u"x 3", u""});
+            if (random() % 4 == 0) {
+                row.sourceKey = oneOf({u"a", u"b", u"", u"c", u"A"});
+            }
+            rows.push_back(row);
+        }
+        ASSERT_EQ(MarkedOf(rows), MarkedByTheModel(rows)) << "round " << round;
+    }
+}
+
+// All keys empty, every other pair equal: reading the group for each row would take hours.
+TEST(MarkDuplicates, StaysLinearInTheSizeOfAGroup) {
+    constexpr int Pairs = 15000;
+    TestProject project;
+    std::vector<PairRow> rows;
+    for (int i = 0; i < 2 * Pairs; ++i) {
+        rows.push_back(
+            {.id = Decimal(100000 + i),
+             .source = Decimal(i),
+             .target = std::u16string(u"t") + static_cast<char16_t>(0x4E00 + i % Pairs)});
+    }
+    project.Add(rows);
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(Mark(project).size(), static_cast<std::size_t>(Pairs));
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(60));
+}
+
+}  // namespace
+}  // namespace generalutilities

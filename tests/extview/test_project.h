@@ -1,0 +1,192 @@
+#pragma once
+
+#include <generalutilities/database.h>
+#include <generalutilities/extview/source_key.h>
+#include <generalutilities/text_file.h>
+
+#include "extview/dao_recordset.h"
+#include "extview/decimal.h"
+#include "extview/progress.h"
+
+#include <atomic>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <unistd.h>
+#include <vector>
+
+/// A project in a file of its own, filled row by row, and the ends of an export that tests look at.
+namespace generalutilities::testing_support {
+
+struct PairRow {
+    std::u16string id;
+    std::u16string source;
+    std::optional<std::u16string> target = {};
+    std::int32_t status = 0;
+    std::optional<std::u16string> comments = {};
+    std::int32_t fileId = 1;
+    bool selected = true;
+    std::optional<std::u16string> sourceKey =
+        {};  ///< by default the one that belongs to the source
+    std::int32_t percentage = 0;
+};
+
+class TestProject {
+  public:
+    explicit TestProject(std::int32_t targetLangId = 1036) : language(Decimal(targetLangId)) {
+        static std::atomic<int> count = 0;
+        path = std::filesystem::temp_directory_path() /
+               ("extview-test-" + std::to_string(getpid()) + "-" + std::to_string(count++) + ".db");
+        std::filesystem::remove(path);
+        DatabaseFailure failure;
+        opened = OpenDatabase(path.u16string(), OpenMode::Create, failure);
+        using Type = FieldDefinition::Type;
+        CreateTable(u"Pairs", {{u"ID", Type::Text},
+                               {u"Source", Type::LongText},
+                               {u"Source2Index", Type::Text},
+                               {u"Target_" + language, Type::LongText},
+                               {u"Status_" + language, Type::Long},
+                               {u"Comments_" + language, Type::LongText},
+                               {u"Percentage_" + language, Type::Long},
+                               {u"Done", Type::YesNo},
+                               {u"FileID", Type::Long},
+                               {u"Selected", Type::YesNo},
+                               {u"LexWords", Type::Long},
+                               {u"Freq", Type::Long}});
+        CreateTable(u"Files",
+                    {{u"ID", Type::Long}, {u"FileName", Type::Text}, {u"FileSpec", Type::Text}});
+        CreateTable(u"Stamp", {{u"sLang", Type::Long}, {u"sSubLang", Type::Long}});
+        Execute(u"CREATE INDEX iID ON Pairs (ID)");
+        Execute(u"CREATE INDEX iSource2Index ON Pairs (Source2Index)");
+    }
+    ~TestProject() {
+        opened.reset();
+        std::filesystem::remove(path);
+    }
+
+    Database& database() { return *opened; }
+
+    void Execute(std::u16string_view query) {
+        EXPECT_TRUE(opened->Execute(query)) << testing::PrintToString(query);
+    }
+
+    void Add(const std::vector<PairRow>& rows) {
+        auto pairs = opened->OpenRecordset(u"Pairs", RecordsetType::Table);
+        ASSERT_TRUE(pairs);
+        ASSERT_TRUE(opened->BeginTrans());
+        const auto put = [&](std::u16string_view name, const FieldValue& value) {
+            EXPECT_TRUE(pairs->PutValue(pairs->FieldIndex(name).value(), value));
+        };
+        const auto text = [](const std::optional<std::u16string>& value) {
+            return value ? FieldValue(std::u16string_view(*value)) : FieldValue();
+        };
+        for (const auto& row : rows) {
+            const std::u16string key = row.sourceKey.value_or(MakeSourceKey(row.source, 1033));
+            ASSERT_TRUE(pairs->AddNew());
+            put(u"ID", std::u16string_view(row.id));
+            put(u"Source", std::u16string_view(row.source));
+            put(u"Source2Index", std::u16string_view(key));
+            put(u"Target_" + language, text(row.target));
+            put(u"Status_" + language, row.status);
+            put(u"Comments_" + language, text(row.comments));
+            put(u"Percentage_" + language, row.percentage);
+            put(u"Done", false);
+            put(u"FileID", row.fileId);
+            put(u"Selected", row.selected);
+            ASSERT_TRUE(pairs->Update());
+        }
+        ASSERT_TRUE(opened->CommitTrans());
+    }
+
+    /// The identifiers of the rows with `Done`, in the order of the table.
+    std::vector<std::u16string> DoneRows() {
+        DaoRecordset rows;
+        std::vector<std::u16string> done;
+        if (rows.Open(*opened, u"SELECT ID, Done FROM Pairs", true) && !rows.IsEmpty()) {
+            rows.BindField(1, u"ID");
+            rows.BindField(2, u"Done");
+            do {
+                if (rows.GetBool(2)) {
+                    done.emplace_back(rows.GetString(1).value_or(std::u16string_view()));
+                }
+            } while (rows.MoveNext());
+        }
+        return done;
+    }
+
+  private:
+    using Columns = std::vector<std::pair<std::u16string, FieldDefinition::Type>>;
+
+    void CreateTable(std::u16string name, const Columns& columns) {
+        TableDefinition table;
+        table.name = std::move(name);
+        for (const auto& [column, type] : columns) {
+            table.fields.emplace_back().name = column;
+            table.fields.back().type = type;
+        }
+        EXPECT_TRUE(opened->CreateTable(table));
+    }
+
+    const std::u16string language;
+    std::filesystem::path path;
+    std::unique_ptr<Database> opened;
+};
+
+class PercentList final : public IExtViewProgress {
+  public:
+    void ReportProgress(std::int32_t percent, std::int32_t langId) override {
+        percents.push_back(percent);
+        targetLangId = langId;
+    }
+    std::vector<std::int32_t> percents;
+    std::int32_t targetLangId = 0;
+};
+
+/// What a stream was given.
+struct Written {
+    std::u16string path;
+    TextFileFormat format = {};
+    std::vector<std::u16string> pieces = {};  ///< one a Write
+    bool closed = false;
+    bool released = false;
+};
+
+/// A factory of streams that keep everything in memory.
+class MemoryFactory final : public TextFileFactory {
+  public:
+    explicit MemoryFactory(Written& target, bool failing = false)
+        : written(target), writesFail(failing) {}
+
+    std::unique_ptr<TextFileStream> OpenTextFile(std::u16string_view path,
+                                                 TextFileFormat format) override {
+        written = {.path = std::u16string(path), .format = format};
+        return std::make_unique<Stream>(written, writesFail);
+    }
+
+  private:
+    class Stream final : public TextFileStream {
+      public:
+        Stream(Written& target, bool failing) : written(target), writesFail(failing) {}
+        ~Stream() override { written.released = true; }
+        bool Write(std::u16string_view text) override {
+            written.pieces.emplace_back(text);
+            return !writesFail;
+        }
+        bool Close() override {
+            written.closed = true;
+            return !writesFail;
+        }
+
+      private:
+        Written& written;
+        const bool writesFail;
+    };
+
+    Written& written;
+    const bool writesFail;
+};
+
+}  // namespace generalutilities::testing_support
