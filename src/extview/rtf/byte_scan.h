@@ -42,23 +42,55 @@ inline std::size_t PlainLength(std::string_view bytes) {
     return i;
 }
 
-/// How many of the first bytes are letters from "a" to "z".
-inline std::size_t LowerCaseLength(std::string_view bytes) {
-    std::size_t i = 0;
+/// A control word of the usual form, measured from the first byte of its name: letters from "a" to
+/// "z", digits, and a space, each of which may be missing.
+struct WordShape {
+    std::size_t nameLength = 0;
+    std::size_t argumentEnd = 0;
+    std::size_t end = 0;  ///< behind the space
+};
+
+/// Measures the control word that begins with the first byte. False if its form is another one, or
+/// if it is not seen to end within the bytes, or within 15 of them.
+inline bool MeasureWord(std::string_view bytes, WordShape& shape) {
+    constexpr std::size_t Window = 16;
+    if (bytes.size() < Window) {
+        return false;
+    }
+    unsigned letters = 0;
+    unsigned digits = 0;
+    unsigned spaces = 0;
 #if defined(__SSE2__)
-    for (; i + 16 <= bytes.size(); i += 16) {
-        const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes.data() + i));
-        const __m128i letters = _mm_and_si128(_mm_cmpgt_epi8(block, _mm_set1_epi8('a' - 1)),
-                                              _mm_cmplt_epi8(block, _mm_set1_epi8('z' + 1)));
-        if (const int mask = _mm_movemask_epi8(letters); mask != 0xFFFF) {
-            return i + static_cast<std::size_t>(std::countr_one(static_cast<unsigned>(mask)));
-        }
+    const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes.data()));
+    const auto inRange = [block](char low, char high) {
+        const __m128i above = _mm_cmpgt_epi8(block, _mm_set1_epi8(static_cast<char>(low - 1)));
+        const __m128i below = _mm_cmplt_epi8(block, _mm_set1_epi8(static_cast<char>(high + 1)));
+        return static_cast<unsigned>(_mm_movemask_epi8(_mm_and_si128(above, below)));
+    };
+    letters = inRange('a', 'z');
+    digits = inRange('0', '9');
+    spaces = static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(block, _mm_set1_epi8(' '))));
+#else
+    for (std::size_t i = 0; i < Window; ++i) {
+        letters |= static_cast<unsigned>(bytes[i] >= 'a' && bytes[i] <= 'z') << i;
+        digits |= static_cast<unsigned>(bytes[i] >= '0' && bytes[i] <= '9') << i;
+        spaces |= static_cast<unsigned>(bytes[i] == ' ') << i;
     }
 #endif
-    while (i < bytes.size() && bytes[i] >= 'a' && bytes[i] <= 'z') {
-        ++i;
+    // Where the word ends decides where the next one is looked for, so it is found first, and by
+    // the shortest way: the first byte that is neither letter nor digit.
+    shape.argumentEnd = static_cast<std::size_t>(std::countr_one(letters | digits));
+    if (shape.argumentEnd == Window) {
+        return false;
     }
-    return i;
+    shape.end = shape.argumentEnd + ((spaces >> shape.argumentEnd) & 1);
+    shape.nameLength = static_cast<std::size_t>(std::countr_one(letters));
+    const unsigned inWord = (1U << shape.argumentEnd) - 1;
+    const unsigned inName = (1U << shape.nameLength) - 1;
+    const char next = bytes[shape.argumentEnd];
+    const bool isUsual = (letters & inWord) == inName &&
+                         (IsStructure(next) || next == ' ' || shape.argumentEnd > shape.nameLength);
+    return isUsual;
 }
 
 /// Appends each byte as one character, with its sign extended: 0xE9 becomes U+FFE9.
@@ -69,12 +101,19 @@ inline void AppendSignExtended(std::string_view bytes, std::u16string& text) {
         const std::size_t length = bytes.size() < BlockSize ? bytes.size() : BlockSize;
         std::size_t i = 0;
 #if defined(__SSE2__)
-        for (; i + 16 <= length; i += 16) {
-            const __m128i in = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes.data() + i));
+        const auto widen = [&](std::size_t at) {
+            const __m128i in = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes.data() + at));
             const __m128i low = _mm_srai_epi16(_mm_unpacklo_epi8(in, in), 8);
             const __m128i high = _mm_srai_epi16(_mm_unpackhi_epi8(in, in), 8);
-            _mm_storeu_si128(reinterpret_cast<__m128i*>(block + i), low);
-            _mm_storeu_si128(reinterpret_cast<__m128i*>(block + i + 8), high);
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(block + at), low);
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(block + at + 8), high);
+        };
+        if (length >= 16) {
+            for (; i + 16 <= length; i += 16) {
+                widen(i);
+            }
+            widen(length - 16);  // the rest, and some bytes a second time
+            i = length;
         }
 #endif
         for (; i < length; ++i) {

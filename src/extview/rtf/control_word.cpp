@@ -19,7 +19,7 @@ constexpr bool EndsName(char byte) {
 
 /// How many bytes belong to the name; all of `bytes` if the name may go on behind them.
 std::size_t NameLength(std::string_view bytes) {
-    std::size_t i = LowerCaseLength(bytes);
+    std::size_t i = 0;
     while (i < bytes.size() && !EndsName(bytes[i])) {
         ++i;
     }
@@ -44,8 +44,8 @@ class ArgumentValue {
     bool negative = false;
 };
 
-/// Reads a word byte by byte, wherever page borders lie.
-ControlWord ReadAcrossPages(RtfFilePager& pager, std::uint32_t offset, std::string& spill) {
+/// Reads a word of any form, wherever page borders lie.
+ControlWord ReadAnyWord(RtfFilePager& pager, std::uint32_t offset, std::string& spill) {
     ControlWord word;
     spill.clear();
     word.end = offset;
@@ -80,28 +80,22 @@ ControlWord ReadAcrossPages(RtfFilePager& pager, std::uint32_t offset, std::stri
 
 ControlWord ReadControlWord(RtfFilePager& pager, std::uint32_t offset, std::string& spill) {
     const std::string_view bytes = pager.BytesFrom(offset);
-    const std::size_t length = NameLength(bytes);
-    std::size_t i = length;
-    ArgumentValue value;
-    if (i < bytes.size() && bytes[i] == '-') {
-        value.Negate();
-        ++i;
+    WordShape shape;
+    if (MeasureWord(bytes, shape)) {
+        ControlWord word;
+        ArgumentValue value;
+        for (std::size_t i = shape.nameLength; i < shape.argumentEnd; ++i) {
+            value.AddDigit(bytes[i]);
+        }
+        word.name = bytes.substr(0, shape.nameLength);
+        word.argument = value.Value();
+        word.hasArgument = shape.argumentEnd != shape.nameLength;
+        word.nameEnd = offset + static_cast<std::uint32_t>(shape.nameLength);
+        word.end = offset + static_cast<std::uint32_t>(shape.end);
+        return word;
     }
-    for (; i < bytes.size() && IsDigit(bytes[i]); ++i) {
-        value.AddDigit(bytes[i]);
-    }
-    if (i == bytes.size()) {
-        return ReadAcrossPages(pager, offset, spill);
-    }
-    ControlWord word;
-    word.name = bytes.substr(0, length);
-    word.argument = value.Value();
-    word.hasArgument = i != length;
-    word.nameEnd = offset + static_cast<std::uint32_t>(length);
-    word.end = offset + static_cast<std::uint32_t>(i + (bytes[i] == ' ' ? 1 : 0));
-    return word;
+    return ReadAnyWord(pager, offset, spill);
 }
-
 namespace {
 
 struct MeaningRow {
@@ -141,7 +135,8 @@ constexpr MeaningRow Meanings[] = {
 
 WordMeaning MeaningOf(std::string_view name) {
     for (const MeaningRow& row : Meanings) {
-        if (row.name == name) {
+        if (row.name.size() == name.size() && row.name.front() == name.front() &&
+            row.name == name) {
             return row.meaning;
         }
     }

@@ -19,6 +19,8 @@ bool CRTFImport::OpenFile() {
     controlWords.Clear();
     controlWords.Add("row");
     controlWords.Add("cell");
+    cellCount = 0;
+    OpenCell();
     return Open(sourceFile);
 }
 

@@ -96,6 +96,12 @@ bool CRTFReader::Parse() {
                 ++position;
                 break;
             case '\\':
+                if (inCodes) {
+                    if (const std::uint32_t length = MeaninglessWords(rest); length > 0) {
+                        position += length;
+                        break;
+                    }
+                }
                 if (!ParseEscape(rest)) {
                     return true;
                 }
@@ -108,6 +114,19 @@ bool CRTFReader::Parse() {
                 }
         }
     }
+}
+
+/// The length of the control words at the start of the bytes that mean nothing to anybody here.
+/// Most of a table is such words, many in succession, and a code run steps over them.
+std::uint32_t CRTFReader::MeaninglessWords(std::string_view bytes) const {
+    std::size_t length = 0;
+    rtf::WordShape shape;
+    while (length < bytes.size() && bytes[length] == '\\' &&
+           rtf::MeasureWord(bytes.substr(length + 1), shape) && shape.nameLength > 0 &&
+           !controlWords.MayMatter(bytes.substr(length + 1, shape.nameLength))) {
+        length += 1 + shape.end;
+    }
+    return static_cast<std::uint32_t>(length);
 }
 
 /// Takes what begins with the backslash at `position`; false to stop.

@@ -86,6 +86,7 @@ class CRTFReader {
     std::uint32_t GroupEnd(std::uint32_t start, bool& closed);
     void WalkHead(std::uint32_t end);
 
+    std::uint32_t MeaninglessWords(std::string_view bytes) const;
     bool ParseEscape(std::string_view rest);
     bool ParseControlWord();
     void ApplyWord(rtf::WordKind kind, std::int32_t argument);
@@ -108,7 +109,7 @@ class CRTFReader {
     bool sawControlWord = false;  ///< a reported word was met in this code run
     std::u16string runText;       ///< the characters of the current text run
     std::vector<Group> groups{Group{}};  ///< one entry per open group and one below; never empty
-    std::string nameSpill;               ///< a control word that crosses the border of a page
+    std::string nameSpill;               ///< see `rtf::ReadControlWord`
     std::string hexBytes;
 };
 
