@@ -21,7 +21,7 @@ namespace generalutilities {
 
 /// What becomes of a row of the file.
 enum class RowOutcome {
-    Unchanged,     ///< source and target are as they went out
+    Unchanged,     ///< the target is as it went out
     LineEndsOnly,  ///< the target differs, but only in how its line ends are written
     Changed,       ///< the target differs
     UnknownId,     ///< the project has no such row; an import leaves it out
@@ -105,8 +105,6 @@ class ReportWriter {
 std::unique_ptr<ReportWriter> CreateTextReport(std::ostream& output, const ReportHeading& heading);
 /// One self-contained page with the changed words marked.
 std::unique_ptr<ReportWriter> CreateHtmlReport(std::ostream& output, const ReportHeading& heading);
-/// One JSON document, "genutil.import/1".
-std::unique_ptr<ReportWriter> CreateJsonReport(std::ostream& output, const ReportHeading& heading);
 
 /// The summary as sentences, one a line; lines about nothing are left out.
 std::string DescribeSummary(const ReviewSummary& summary);

@@ -1,0 +1,42 @@
+#include "frame/error_reporting.h"
+
+#include <generalutilities/automation/pointers.h>
+
+#include "frame/object.h"
+#include "platform/code_pages/code_pages.h"
+
+#include <string>
+
+namespace generalutilities {
+
+HRESULT ReportError(REFCLSID clsid, const char16_t* text, REFIID iid, HRESULT status) {
+    ComPtr<ICreateErrorInfo> created;
+    if (Succeeded(CreateErrorInfo(created.Out()))) {
+        created->SetGUID(iid);
+        char16_t* source = nullptr;
+        if (Succeeded(ProgIDFromCLSID(clsid, &source)) && source != nullptr) {
+            created->SetSource(source);
+            CoTaskMemFree(source);
+        }
+        created->SetDescription(const_cast<char16_t*>(text));
+        if (const auto error = created.As<IErrorInfo>(IID_IErrorInfo)) {
+            SetErrorInfo(0, error.Get());
+        }
+    }
+    return status == S_OK ? DISP_E_EXCEPTION : status;
+}
+
+HRESULT ReportError(REFCLSID clsid, const char* text, REFIID iid, HRESULT status) {
+    if (text == nullptr) {
+        return E_POINTER;
+    }
+    return Guarded([&] {
+        std::u16string wide;
+        if (!code_pages::AppendDecoded(code_pages::SystemAnsiCodePage, text, wide)) {
+            return E_OUTOFMEMORY;
+        }
+        return ReportError(clsid, wide.c_str(), iid, status);
+    });
+}
+
+}  // namespace generalutilities

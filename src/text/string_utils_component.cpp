@@ -1,0 +1,166 @@
+#include "text/string_utils_component.h"
+
+#include <generalutilities/automation/functions.h>
+#include <generalutilities/text/folding.h>
+#include <generalutilities/text/words.h>
+
+namespace generalutilities {
+
+namespace {
+
+std::u16string_view View(BSTR string) {
+    return string == nullptr ? std::u16string_view()
+                             : std::u16string_view(string, SysStringLen(string));
+}
+
+HRESULT Give(std::u16string_view text, BSTR* out) {
+    *out = SysAllocStringLen(text.data(), static_cast<std::uint32_t>(text.size()));
+    return *out == nullptr ? E_OUTOFMEMORY : S_OK;
+}
+
+template <std::u16string (*Fold)(std::u16string_view)>
+HRESULT Folded(BSTR in, BSTR* out) noexcept {
+    if (out == nullptr) {
+        return E_POINTER;
+    }
+    *out = nullptr;
+    return Guarded([&] { return Give(Fold(View(in)), out); });
+}
+
+}  // namespace
+
+void* CStringUtils::FindInterface(REFIID iid) noexcept {
+    IStringUtils* const standard = this;
+    ISupportErrorInfo* const errors = this;
+    return FindInTable(iid, {{IID_IUnknown, standard},
+                             {IID_IStringUtils, standard},
+                             {IID_IDispatch, standard},
+                             {IID_ISupportErrorInfo, errors}});
+}
+
+HRESULT CStringUtils::SimplifyString(BSTR bstrIn, std::int32_t lcid, BSTR* pbstrOut) noexcept {
+    if (pbstrOut == nullptr) {
+        return E_POINTER;
+    }
+    *pbstrOut = nullptr;
+    return Guarded(
+        [&] { return Give(generalutilities::SimplifyString(View(bstrIn), lcid), pbstrOut); });
+}
+
+HRESULT CStringUtils::ConvertStringToUnicode(std::int32_t, BSTR, VARIANT_BOOL, VARIANT_BOOL,
+                                             BSTR*) noexcept {
+    return E_NOTIMPL;
+}
+HRESULT CStringUtils::DetectCodePage(BSTR, std::int32_t, std::int32_t*) noexcept {
+    return E_NOTIMPL;
+}
+HRESULT CStringUtils::ConvertStringFromUnicode(std::int32_t, BSTR, VARIANT_BOOL, VARIANT_BOOL,
+                                               BSTR*) noexcept {
+    return E_NOTIMPL;
+}
+HRESULT CStringUtils::GetLangNativeName(std::int32_t, BSTR*) noexcept {
+    return E_NOTIMPL;
+}
+HRESULT CStringUtils::DetectLanguage(BSTR, std::int32_t*) noexcept {
+    return E_NOTIMPL;
+}
+HRESULT CStringUtils::GetStringCodePages(BSTR, SAFEARRAY**) noexcept {
+    return E_NOTIMPL;
+}
+HRESULT CStringUtils::LoadUnicodeResString(std::int32_t, std::int32_t, BSTR*) noexcept {
+    return E_NOTIMPL;
+}
+HRESULT CStringUtils::EditDistance(BSTR, BSTR, double, double*) noexcept {
+    return E_NOTIMPL;
+}
+HRESULT CStringUtils::GenerateString(std::int32_t, std::int32_t, BSTR*) noexcept {
+    return E_NOTIMPL;
+}
+HRESULT CStringUtils::FoldDigits(BSTR, VARIANT_BOOL, BSTR*) noexcept {
+    return E_NOTIMPL;
+}
+HRESULT CStringUtils::TranslateDigits(BSTR, std::int32_t, BSTR*) noexcept {
+    return E_NOTIMPL;
+}
+HRESULT CStringUtils::SerializeCodes(BSTR*, IUnknown*, std::int32_t*, SAFEARRAY**,
+                                     SAFEARRAY**) noexcept {
+    return E_NOTIMPL;
+}
+HRESULT CStringUtils::IsStringInCodePage(BSTR, std::int32_t, VARIANT_BOOL*) noexcept {
+    return E_NOTIMPL;
+}
+HRESULT CStringUtils::Instr(std::int32_t, BSTR, BSTR, std::int32_t*, VARIANT_BOOL, VARIANT_BOOL,
+                            std::int32_t*) noexcept {
+    return E_NOTIMPL;
+}
+
+HRESULT CStringUtils::DeAccentString(BSTR bstrIn, BSTR* pbstrOut) noexcept {
+    return Folded<generalutilities::DeAccentString>(bstrIn, pbstrOut);
+}
+
+HRESULT CStringUtils::ToUpper(BSTR s, BSTR* p) noexcept {
+    return Folded<generalutilities::ToUpper>(s, p);
+}
+
+HRESULT CStringUtils::ToLower(BSTR s, BSTR* p) noexcept {
+    return Folded<generalutilities::ToLower>(s, p);
+}
+
+HRESULT CStringUtils::DeAccentUpperCaseString(BSTR* pbstrIn, BSTR* pbstrOut) noexcept {
+    if (pbstrIn == nullptr) {
+        return E_POINTER;
+    }
+    return Folded<generalutilities::DeAccentUpperCaseString>(*pbstrIn, pbstrOut);
+}
+
+HRESULT CStringUtils::put_TTXIgnoreFonts(VARIANT_BOOL newVal) noexcept {
+    ttxIgnoreFonts = newVal == VARIANT_TRUE;
+    return S_OK;
+}
+
+HRESULT CStringUtils::get_TTXIgnoreFonts(VARIANT_BOOL* pVal) noexcept {
+    if (pVal == nullptr) {
+        return E_POINTER;
+    }
+    *pVal = ttxIgnoreFonts ? VARIANT_TRUE : VARIANT_FALSE;
+    return S_OK;
+}
+
+HRESULT CStringUtils::ParseString(std::int32_t* CharPos, BSTR String, std::int32_t LangID,
+                                  WordTypeEnum* wt, BSTR* pVal) noexcept {
+    if (CharPos == nullptr || wt == nullptr || pVal == nullptr) {
+        return E_POINTER;
+    }
+    *pVal = nullptr;
+    if (*CharPos < 0) {
+        return E_INVALIDARG;
+    }
+    const auto position = static_cast<std::size_t>(*CharPos == 0 ? 0 : *CharPos - 1);
+    return Guarded([&] {
+        const std::u16string_view text = View(String);
+        const auto token = WordParser(LangID).ParseStep(text, position);
+        if (!token) {
+            *CharPos = 0;
+            return S_OK;
+        }
+        const HRESULT status =
+            Give(text.substr(position, static_cast<std::size_t>(token->end) - position), pVal);
+        if (Succeeded(status)) {
+            *wt = token->type;
+            *CharPos = token->end + 1;
+        }
+        return status;
+    });
+}
+
+HRESULT CStringUtils::ToIndex(BSTR s, std::int32_t LangID, std::int32_t cIndexSize,
+                              BSTR* pVal) noexcept {
+    if (s == nullptr || pVal == nullptr || cIndexSize == 0) {
+        return E_INVALIDARG;
+    }
+    *pVal = nullptr;
+    return Guarded(
+        [&] { return Give(generalutilities::ToIndex(View(s), LangID, cIndexSize), pVal); });
+}
+
+}  // namespace generalutilities
