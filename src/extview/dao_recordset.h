@@ -1,13 +1,13 @@
 #pragma once
 
+#include <generalutilities/database.h>
+
 #include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include <generalutilities/database.h>
 
 namespace generalutilities {
 
@@ -52,6 +52,10 @@ class DaoRecordset {
     bool SeekEqual(std::u16string_view key);
 
   private:
+    std::optional<int> Bound(int position) const;
+    FieldValue Value(int position);
+    bool SetValue(int position, const FieldValue& value);
+
     std::vector<std::optional<int>> fields;  ///< positions in `recordset`, bound from 1 on
     std::unique_ptr<Recordset> recordset;    ///< null when closed
 };

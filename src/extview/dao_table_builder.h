@@ -1,11 +1,11 @@
 #pragma once
 
+#include <generalutilities/database.h>
+
 #include <cstdint>
 #include <functional>
 #include <string>
 #include <string_view>
-
-#include <generalutilities/database.h>
 
 namespace generalutilities {
 
@@ -14,8 +14,8 @@ class DaoTableBuilder {
   public:
     void Attach(Database& opened);
 
-    /// Starts the definition of a table. With `dropFirst` a table of that name goes first; a failing
-    /// drop stops nothing and is told to the debug output alone. False without a database.
+    /// Starts the definition of a table. With `dropFirst` a table of that name goes first; a
+    /// failing drop stops nothing and is told to the debug output alone. False without a database.
     bool Create(std::u16string_view name, bool dropFirst);
 
     /// `defaultValue` is the expression of the default: two double quotes for the empty text.
@@ -33,8 +33,8 @@ class DaoTableBuilder {
     TableDefinition table;
 };
 
-/// Where diagnostics go that no caller is told: by default nowhere. A test or a host sets a function;
-/// an empty one restores the default. Set it before work starts: it is process-wide.
+/// Where diagnostics go that no caller is told: by default nowhere. A test or a host sets a
+/// function; an empty one restores the default. Set it before work starts: it is process-wide.
 void SetDebugOutput(std::function<void(std::u16string_view)> output);
 void DebugOutput(std::u16string_view text);
 
