@@ -1,0 +1,261 @@
+// The walk over a reviewed file takes its rows as the import takes them, comment and status carried
+// over from row to row where a row has no such cells, but goes on where the import stops.
+
+#include <generalutilities/error.h>
+#include <generalutilities/extview/export_options.h>
+#include <generalutilities/extview/segment_text.h>
+#include <generalutilities/project/review_report.h>
+
+#include "extview/rtf/rtf_import.h"
+#include "platform/files/utf8.h"
+#include "project/line_ends.h"
+#include "project/project_access.h"
+
+#include <algorithm>
+#include <unordered_map>
+
+namespace generalutilities {
+namespace {
+
+constexpr std::size_t RequiredCells = 3;  // one more than the table's own: see `CRTFImport::Cells`
+constexpr std::size_t CellsWithComments = 4;
+constexpr std::size_t CellsWithStatus = 5;
+
+/// The project's rows by identifier.
+class StoredRows {
+  public:
+    StoredRows(Database& database, std::int32_t langId)
+        : pairs(database, u"Pairs", RecordsetType::Table),
+          source(pairs.Field(u"Source")),
+          target(pairs.Field(LanguageColumn(u"Target", langId))),
+          comments(pairs.Field(LanguageColumn(u"Comments", langId))),
+          status(pairs.Field(LanguageColumn(u"Status", langId))) {}
+
+    bool Find(std::u16string_view id) { return pairs.Seek(id); }
+    std::u16string Source() { return StripCodeMarkers(pairs.Text(source)); }
+    std::u16string Target() { return StripCodeMarkers(pairs.Text(target)); }
+    std::u16string Comments() { return std::u16string(pairs.Text(comments)); }
+    std::int32_t Status() { return pairs.Long(status); }
+    std::uint64_t Count() { return pairs.Count(); }
+
+  private:
+    TableReader pairs;
+    int source;
+    int target;
+    int comments;
+    int status;
+};
+
+class ReportWalk {
+  public:
+    ReportWalk(Database& database, std::u16string_view path, std::int32_t langId,
+               const std::function<void(const ReviewedRow&)>& rowSink,
+               const std::function<void(int)>& percentSink)
+        : stored(database, langId),
+          name(files::ToUtf8Lossy(path)),
+          row(rowSink),
+          percent(percentSink) {
+        file.SetSource(path, langId);
+    }
+
+    ReviewSummary Run() {
+        Open();
+        bool hasMore = true;
+        while (hasMore) {
+            hasMore = file.ReadCells();
+            if (hasMore) {
+                ReadRow(file.Cells());
+                TellPercent();
+            }
+        }
+        if (file.FileIsDamaged()) {
+            throw Error(ErrorReadFault, name + ": cannot be read behind byte offset " +
+                                            std::to_string(file.Position()));
+        }
+        const bool endsInsideRow = file.Cells().size() > 1;  // cells, and no end of their row
+        summary.isCutOff = endsInsideRow || LacksEnd();
+        if (endsInsideRow) {
+            stopped = true;
+            ReadRow(file.Cells());
+        }
+        file.CloseFile();
+        const std::uint64_t storedRows = stored.Count();
+        summary.notInFile = storedRows - std::min(storedRows, knownRows);
+        return summary;
+    }
+
+  private:
+    void Open() {
+        if (!file.OpenFile()) {
+            throw Error(everrUnableToOpenFile,
+                        name + ": cannot be opened; is it a file, and may it be read?");
+        }
+        if (!file.ReadHeader()) {
+            throw Error(everrNotEnoughFieldsPresent,
+                        name +
+                            ": is no RTF table with a heading row, a font table and a style "
+                            "sheet; save the reviewed document as RTF");
+        }
+    }
+
+    /// Whether the file does not end as an RTF file does, with the brace that closes it.
+    bool LacksEnd() {
+        std::uint32_t end = file.FileSize();
+        const auto isPadding = [](char byte) { return byte >= 0 && byte <= ' '; };
+        while (end > 0 && isPadding(file.ByteAt(end - 1))) {
+            --end;
+        }
+        return end == 0 || file.ByteAt(end - 1) != '}';
+    }
+
+    void TellPercent() {
+        const int now =
+            file.FileSize() == 0
+                ? 100
+                : static_cast<int>(std::uint64_t{file.Position()} * 100 / file.FileSize());
+        if (percent && now != lastPercent) {
+            lastPercent = now;
+            percent(now);
+        }
+    }
+
+    void ReadRow(std::span<const std::u16string> cells) {
+        ReviewedRow reviewed;
+        reviewed.number = ++summary.rows;
+        reviewed.offset = file.Position();
+        const bool complete = cells.size() >= RequiredCells;
+        reviewed.id = cells.empty() ? std::u16string_view() : cells[0];
+        if (complete) {
+            reviewed.source = cells[1];
+            reviewed.target = cells[2];
+        }
+        if (stopped) {
+            reviewed.outcome = RowOutcome::NotRead;
+            ++summary.notRead;
+        } else if (!complete) {
+            reviewed.outcome = RowOutcome::TooFewCells;
+            ++summary.tooFewCells;
+            stopped = true;
+        } else {
+            CarryOver(cells);
+            reviewed.comments = comments;
+            if (status != -1) {
+                reviewed.status = status;
+            }
+            LookUp(reviewed);
+            return;
+        }
+        row(reviewed);
+    }
+
+    void CarryOver(std::span<const std::u16string> cells) {
+        if (cells.size() >= CellsWithComments) {
+            comments = cells[3];
+            status = cells.size() >= CellsWithStatus ? CRTFImport::StatusOf(cells[4]) : -1;
+        }
+    }
+
+    /// Compares a row with the project's and reports it.
+    void LookUp(ReviewedRow& reviewed) {
+        const auto [first, isNew] =
+            firstRows.try_emplace(std::u16string(reviewed.id), summary.rows);
+        if (!isNew) {
+            reviewed.firstRowOfId = first->second;
+            ++summary.repeatedIds;
+        }
+        if (!stored.Find(reviewed.id)) {
+            reviewed.outcome = RowOutcome::UnknownId;
+            ++summary.unknownIds;
+            row(reviewed);
+            return;
+        }
+        knownRows += isNew ? 1 : 0;
+        const std::u16string source = stored.Source();
+        const std::u16string target = stored.Target();
+        const std::u16string storedComments = stored.Comments();
+        reviewed.storedSource = source;
+        reviewed.storedTarget = target;
+        reviewed.storedComments = storedComments;
+        reviewed.storedStatus = stored.Status();
+        Compare(reviewed);
+        row(reviewed);
+    }
+
+    void Compare(ReviewedRow& reviewed) {
+        if (reviewed.target == reviewed.storedTarget) {
+            reviewed.outcome = RowOutcome::Unchanged;
+            ++summary.unchanged;
+        } else if (EqualButForLineEnds(reviewed.target, reviewed.storedTarget)) {
+            reviewed.outcome = RowOutcome::LineEndsOnly;
+            ++summary.lineEndsOnly;
+        } else {
+            reviewed.outcome = RowOutcome::Changed;
+            ++summary.changed;
+        }
+        const auto count = [](bool holds, std::uint64_t& number) {
+            number += holds ? 1 : 0;
+            return holds;
+        };
+        reviewed.sourceChanged = count(!EqualButForLineEnds(reviewed.source, reviewed.storedSource),
+                                       summary.sourceChanged);
+        // An emptied comment does not come back: the stored one stays.
+        reviewed.commentsChanged =
+            count(!reviewed.comments.empty() &&
+                      !EqualButForLineEnds(reviewed.comments, reviewed.storedComments),
+                  summary.commentsChanged);
+        reviewed.statusChanged = count(reviewed.status && *reviewed.status != reviewed.storedStatus,
+                                       summary.statusChanged);
+        reviewed.locked = count((reviewed.storedStatus & StatusLocked) != 0, summary.locked);
+        count(reviewed.locked && reviewed.outcome == RowOutcome::Changed, summary.lockedChanged);
+        if (!reviewed.target.empty()) {
+            reviewed.codes = CompareCodes(reviewed.storedSource, reviewed.target);
+            reviewed.codesDifferedBefore =
+                !reviewed.codes.empty() &&
+                CompareCodes(reviewed.storedSource, reviewed.storedTarget) == reviewed.codes;
+            count(!reviewed.codes.empty() && !reviewed.codesDifferedBefore, summary.codesDiffer);
+        }
+    }
+
+    CRTFImport file;
+    StoredRows stored;
+    std::string name;  ///< for messages
+    const std::function<void(const ReviewedRow&)>& row;
+    const std::function<void(int)>& percent;
+    ReviewSummary summary;
+    std::unordered_map<std::u16string, std::uint64_t> firstRows;
+    std::uint64_t knownRows = 0;
+    bool stopped = false;  ///< an import has stopped reading
+    std::u16string comments;
+    std::int32_t status = -1;
+    int lastPercent = -1;
+};
+
+}  // namespace
+
+ReviewSummary ReviewFile(Database& database, std::u16string_view path, std::int32_t langId,
+                         const std::function<void(const ReviewedRow&)>& row,
+                         const std::function<void(int percent)>& percent) {
+    RequireLanguage(database, langId);
+    return ReportWalk(database, path, langId, row, percent).Run();
+}
+
+std::optional<std::uint64_t> CountReimportedRows(Database& database) {
+    if (!HasTable(database, u"Reimporting")) {
+        return std::nullopt;
+    }
+    return TableReader(database, u"Reimporting", RecordsetType::Table).Count();
+}
+
+std::string CheckReimportedRows(Database& database, const ReviewSummary& summary) {
+    const auto count = CountReimportedRows(database);
+    if (!count) {
+        return "the import left no table Reimporting in the project";
+    }
+    if (*count == summary.RowsToStore()) {
+        return {};
+    }
+    return "the import stored " + std::to_string(*count) + " rows, but the file holds " +
+           std::to_string(summary.RowsToStore()) + " rows that the project knows";
+}
+
+}  // namespace generalutilities
