@@ -148,7 +148,7 @@ std::string DescribeSummary(const ReviewSummary& summary) {
     if (summary.notInFile > 0) {
         text += std::to_string(summary.notInFile) + " rows of the project are not in the file\n";
     }
-    if (summary.isCutOff) {
+    if (summary.endsInsideRow) {
         text += "The end of the file is missing: it was cut off\n";
     }
     return text;

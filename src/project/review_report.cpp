@@ -72,9 +72,9 @@ class ReportWalk {
             throw Error(ErrorReadFault, name + ": cannot be read behind byte offset " +
                                             std::to_string(file.Position()));
         }
-        const bool endsInsideRow = file.Cells().size() > 1;  // cells, and no end of their row
-        summary.isCutOff = endsInsideRow || LacksEnd();
-        if (endsInsideRow) {
+        const bool hasOpenRow = file.Cells().size() > 1;  // cells, and no end of their row
+        summary.endsInsideRow = hasOpenRow || LacksEnd();
+        if (hasOpenRow) {
             stopped = true;
             ReadRow(file.Cells());
         }

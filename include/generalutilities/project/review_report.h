@@ -66,7 +66,7 @@ struct ReviewSummary {
     std::uint64_t repeatedIds = 0;  ///< rows whose identifier stood in an earlier row
     std::uint64_t codesDiffer = 0;  ///< rows with a new difference in codes
     std::uint64_t notInFile = 0;    ///< rows of the project that the file does not hold
-    bool isCutOff = false;          ///< the end of the file is missing
+    bool endsInsideRow = false;     ///< the end of the file is missing
     /// How many rows an import of this file stores.
     std::uint64_t RowsToStore() const { return unchanged + lineEndsOnly + changed; }
 };
@@ -105,6 +105,9 @@ class ReportWriter {
 std::unique_ptr<ReportWriter> CreateTextReport(std::ostream& output, const ReportHeading& heading);
 /// One self-contained page with the changed words marked.
 std::unique_ptr<ReportWriter> CreateHtmlReport(std::ostream& output, const ReportHeading& heading);
+
+/// One JSON document, "genutil.import/1", described in docs/projects.md.
+std::unique_ptr<ReportWriter> CreateJsonReport(std::ostream& output, const ReportHeading& heading);
 
 /// The summary as sentences, one a line; lines about nothing are left out.
 std::string DescribeSummary(const ReviewSummary& summary);
