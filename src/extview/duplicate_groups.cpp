@@ -3,6 +3,7 @@
 #include <generalutilities/extview/source_key.h>
 
 #include "extview/dao_recordset.h"
+#include "extview/transaction.h"
 
 #include <algorithm>
 #include <functional>
@@ -99,7 +100,7 @@ void DuplicateGroups::WriteMarks() {
     if (marked.empty()) {
         return;
     }
-    const bool inTransaction = database.BeginTrans();
+    Transaction transaction(database);
     for (const auto& [key, group] : groups) {
         DuplicateRows rows(search.sourceLangId, search.targetLangId);
         if (group.hasMarks && rows.Open(database, group.query) && !rows.IsEmpty()) {
@@ -110,9 +111,7 @@ void DuplicateGroups::WriteMarks() {
             } while (rows.MoveNext());
         }
     }
-    if (inTransaction) {
-        database.CommitTrans();
-    }
+    transaction.Commit();
 }
 
 }  // namespace generalutilities

@@ -97,14 +97,14 @@ class RtfTable : public testing::Test {
 
     // The row that stands alone in a project, without head and foot.
     std::string ExportRow(const PairRow& row, std::int32_t options) {
-        TestProject project;
-        project.Execute(u"INSERT INTO Files (ID, FileName, FileSpec) VALUES (1, 'a.doc', 'c:\\a')");
-        project.Add({row});
-        const auto pieces = Export(project, options);
+        singleRow.RemoveRows();
+        singleRow.Add({row});
+        const auto pieces = Export(singleRow, options);
         EXPECT_EQ(pieces.size(), 3U);
         return pieces.size() == 3 ? pieces[1] : std::string();
     }
 
+    TestProject singleRow;
     Written written;
 };
 
@@ -193,6 +193,7 @@ TEST_F(RtfTable, AllColumnsHiddenColouredRightToLeft) {
 }
 
 TEST_F(RtfTable, StatusCellOfAnUncolouredRow) {
+    singleRow.Execute(u"INSERT INTO Files (ID, FileName, FileSpec) VALUES (1, 'a.doc', 'c:\\a')");
     EXPECT_EQ(ExportRow({.id = u"1", .source = u"s", .target = u"t", .status = StatusExact},
                         ShowIdColumn | ShowStatusColumn | ShowStatusValue | ColorStatusCell |
                             ShowFileColumn),

@@ -101,6 +101,8 @@ class TestProject {
         ASSERT_TRUE(opened->CommitTrans());
     }
 
+    void RemoveRows() { Execute(u"DELETE FROM Pairs"); }
+
     /// The identifiers of the rows with `Done`, in the order of the table.
     std::vector<std::u16string> DoneRows() {
         DaoRecordset rows;
