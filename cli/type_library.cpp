@@ -161,14 +161,14 @@ const char* KindOf(INVOKEKIND kind) {
     return "method";
 }
 
-/// The names of a member and of its arguments. A property's new value has no name of its own.
+/// The names of a member and of its arguments; empty for an argument without one.
 std::vector<std::string> NamesOf(ITypeInfo& info, const FUNCDESC& function) {
     std::vector<BSTR> names(static_cast<std::size_t>(function.cParams) + 1, nullptr);
     std::uint32_t count = 0;
     Check(info.GetNames(function.memid, names.data(), static_cast<std::uint32_t>(names.size()),
                         &count),
           "reading the names of a method");
-    std::vector<std::string> result(names.size(), "value");
+    std::vector<std::string> result(names.size());
     for (std::size_t i = 0; i < names.size(); ++i) {
         if (names[i] != nullptr && i < count) {
             result[i] = ToUtf8(std::u16string_view(names[i], SysStringLen(names[i])));
@@ -195,6 +195,9 @@ MethodDescription ReadMethod(ITypeInfo& info, const FUNCDESC& function) {
         argument.out = (flags & PARAMFLAG_FOUT) != 0;
         argument.result = (flags & PARAMFLAG_FRETVAL) != 0;
         argument.optional = (flags & PARAMFLAG_FOPT) != 0;
+        if (argument.name.empty()) {  // so it is for a property's new value and for a result
+            argument.name = argument.result ? "result" : "value";
+        }
         if ((flags & PARAMFLAG_FHASDEFAULT) != 0 && described.paramdesc.pparamdescex != nullptr) {
             argument.defaultValue = ValueText(described.paramdesc.pparamdescex->varDefaultValue);
         }

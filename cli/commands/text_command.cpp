@@ -78,6 +78,7 @@ struct Operation {
     Conversion convert;  ///< null for `words`
     bool takesLanguage;
     bool takesSize;
+    bool stopsAtZero;  ///< the library reads the text up to its first U+0000
 };
 
 const Operation Operations[] = {
@@ -86,34 +87,34 @@ const Operation Operations[] = {
      [](IStringUtils& utils, BSTR text, const TextOptions&, BSTR* result) {
          return utils.ToUpper(text, result);
      },
-     false, false},
+     false, false, false},
     {"lower", "Lower case, in every script, whatever the locale",
      "  genutil text lower 'ΑΘΉΝΑ'                       αθήνα",
      [](IStringUtils& utils, BSTR text, const TextOptions&, BSTR* result) {
          return utils.ToLower(text, result);
      },
-     false, false},
+     false, false, false},
     {"deaccent", "Without accents and compatibility forms; case stays",
      "  genutil text deaccent 'Crème brûlée'             Creme brulee",
      [](IStringUtils& utils, BSTR text, const TextOptions&, BSTR* result) {
          return utils.DeAccentString(text, result);
      },
-     false, false},
+     false, false, false},
     {"words", "The words, numbers, separators and codes of a text, one a line with its type",
      "  genutil text words --language fr-FR \"l'homme a 1 000,50 francs {1}\"", nullptr, true,
-     false},
+     false, false},
     {"key", "The index key: from the first word to the last, without numbers and codes",
      "  genutil text key '  {1}Hello   42 worlds'          Hello worlds",
      [](IStringUtils& utils, BSTR text, const TextOptions& options, BSTR* result) {
          return utils.ToIndex(text, options.langId, options.size, result);
      },
-     true, true},
+     true, true, true},
     {"simplify", "Punctuation of all scripts as plain ASCII",
      "  genutil text simplify '「こんにちは」'              (こんにちは)",
      [](IStringUtils& utils, BSTR text, const TextOptions& options, BSTR* result) {
          return utils.SimplifyString(text, options.langId, result);
      },
-     true, false},
+     true, false, true},
 };
 
 /// Turns each text into output as it comes, so that standard input of any length passes through;
@@ -131,6 +132,10 @@ class TextRun {
         if (text.size() > std::numeric_limits<std::int32_t>::max() / 2) {
             throw Failure("a text of " + std::to_string(text.size()) +
                           " bytes is too long for the library; cut it into lines");
+        }
+        if (const std::size_t zero = text.find('\0'); work.stopsAtZero && zero != text.npos) {
+            output.Warn("text " + std::to_string(count + 1) + ", byte offset " +
+                        std::to_string(zero) + ": the text counts up to this U+0000");
         }
         const Bstr input(ToUtf16(text));
         if (work.convert == nullptr) {
