@@ -99,7 +99,7 @@ struct FieldDefinition {
     Type type = Type::Text;
     /// The default of a new row. For texts this is the default's *expression*: two double quote
     /// characters stand for the empty text.
-    std::variant<std::monostate, bool, std::int32_t, std::u16string> defaultValue;
+    std::variant<std::monostate, bool, std::int32_t, std::u16string> defaultValue = {};
     bool allowZeroLength = true;
     /// A storage hint (the property "UnicodeCompression"); an engine without such a choice ignores
     /// it.

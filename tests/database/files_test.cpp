@@ -26,7 +26,8 @@ TEST(Utf8, KeepsEveryScalarValueAndRefusesUnpairedSurrogates) {
         }
         const auto bytes = ToUtf8(text);
         ASSERT_EQ(bytes.has_value(), !surrogate) << std::hex << std::uint32_t{point};
-        ASSERT_EQ(FromUtf8(ToUtf8Lossy(text)), surrogate ? u"\uFFFD" : text) << std::hex << std::uint32_t{point};
+        ASSERT_EQ(FromUtf8(ToUtf8Lossy(text)), surrogate ? u"\uFFFD" : text)
+            << std::hex << std::uint32_t{point};
     }
 }
 
