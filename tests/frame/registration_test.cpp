@@ -1,0 +1,120 @@
+// Registration, seen in the file and from another process.
+
+#include <generalutilities/automation/pointers.h>
+#include <generalutilities/interfaces/class_ids.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <iterator>
+#include <sys/wait.h>
+
+namespace generalutilities {
+namespace {
+
+class RegistrationTest : public testing::Test {
+  protected:
+    void SetUp() override {
+        char name[] = "/tmp/generalutilities-registry-XXXXXX";
+        home = mkdtemp(name);
+        setenv("XDG_DATA_HOME", home.c_str(), 1);
+    }
+    void TearDown() override {
+        unsetenv("XDG_DATA_HOME");
+        std::filesystem::remove_all(home);
+    }
+    std::string File() const {
+        std::ifstream file(home / "generalutilities/registry.reg", std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    }
+    static int Client(const std::string& progId) {
+        return WEXITSTATUS(std::system((PROGID_CLIENT_PATH " " + progId + " >/dev/null").c_str()));
+    }
+
+    std::filesystem::path home;
+};
+
+TEST_F(RegistrationTest, WritesTheKeysOfAllClassesAndTakesThemAway) {
+    EXPECT_EQ(DllUnregisterServer(), S_OK);
+    EXPECT_TRUE(std::filesystem::is_empty(home)) << "nothing is written before a registration";
+
+    ASSERT_EQ(DllRegisterServer(), S_OK);
+    const std::string registered = File();
+    const std::string module = std::filesystem::canonical(MODULE_PATH);
+    for (const std::string& expected : std::initializer_list<std::string>{
+             "Windows Registry Editor Version 5.00\n",
+             "[HKEY_CLASSES_ROOT\\GeneralUtilities.ITDReader.1]\n@=\"ITDReader Class\"\n",
+             "[HKEY_CLASSES_ROOT\\GeneralUtilities.ITDReader.1\\CLSID]\n"
+             "@=\"{951E240C-B79C-474D-B844-049D0F42B933}\"\n",
+             "[HKEY_CLASSES_ROOT\\GeneralUtilities.CodePageHelper\\CurVer]\n"
+             "@=\"GeneralUtilities.CodePageHelper.1\"\n",
+             "[HKEY_CLASSES_ROOT\\CLSID\\{37A4E828-B2E4-439C-A847-C4596892B3E0}]\n"
+             "@=\"CodePageHelper Class\"\n",
+             "[HKEY_CLASSES_ROOT\\CLSID\\{C53CF962-B65A-4511-862C-19ED5EF1804F}\\InprocServer32]\n"
+             "@=\"" +
+                 module + "\"\n\"ThreadingModel\"=\"Apartment\"\n",
+             "[HKEY_CLASSES_ROOT\\CLSID\\{C53CF962-B65A-4511-862C-19ED5EF1804F}\\Programmable]\n\n",
+             "[HKEY_CLASSES_ROOT\\CLSID\\{659847F7-2B3E-40CB-8AFE-2ED580D7C16B}\\"
+             "VersionIndependentProgID]\n@=\"GeneralUtilities.ITDWriter\"\n",
+             "\\TypeLib]\n@=\"{E394A5B6-1C33-45E9-B842-CE7289EFD9D5}\"\n",
+         }) {
+        EXPECT_NE(registered.find(expected), std::string::npos) << expected;
+    }
+    EXPECT_EQ(DllRegisterServer(), S_OK);
+    EXPECT_EQ(File(), registered) << "a second registration changes nothing";
+
+    ComPtr<ITypeLib> library;
+    EXPECT_EQ(LoadRegTypeLib(LIBID_GeneralUtilities, 1, 0, 0, library.Out()), S_OK);
+    EXPECT_EQ(LoadRegTypeLib(LIBID_GeneralUtilities, 2, 0, 0, library.Out()),
+              TYPE_E_LIBNOTREGISTERED);
+
+    ASSERT_EQ(DllUnregisterServer(), S_OK);
+    const std::string left = File();
+    EXPECT_NE(left.find("[HKEY_CLASSES_ROOT\\CLSID]\n"), std::string::npos);
+    EXPECT_EQ(left.find("GeneralUtilities"), std::string::npos) << left;
+    EXPECT_EQ(left.find("{E394A5B6"), std::string::npos) << left;
+    EXPECT_EQ(LoadRegTypeLib(LIBID_GeneralUtilities, 1, 0, 0, library.Out()),
+              TYPE_E_LIBNOTREGISTERED);
+}
+
+TEST_F(RegistrationTest, AnotherProcessCreatesByProgIdOnceRegistered) {
+    EXPECT_EQ(Client("GeneralUtilities.StringUtils.1"), 2) << "not registered yet";
+    ASSERT_EQ(DllRegisterServer(), S_OK);
+    EXPECT_EQ(Client("GeneralUtilities.StringUtils.1"), 0);
+    EXPECT_EQ(Client("generalutilities.STRINGUTILS"), 0);
+    EXPECT_EQ(Client("GeneralUtilities.StringUtils.2"), 2);
+    EXPECT_EQ(Client("GeneralUtilities.LongSet.1"), 3) << "registered, but not available yet";
+}
+
+TEST_F(RegistrationTest, ADamagedFileIsReportedAndLeftAlone) {
+    std::filesystem::create_directories(home / "generalutilities");
+    std::ofstream(home / "generalutilities/registry.reg") << "not a registry";
+    EXPECT_TRUE(Failed(DllRegisterServer()));
+    EXPECT_TRUE(Failed(DllUnregisterServer()));
+    EXPECT_EQ(File(), "not a registry");
+}
+
+TEST_F(RegistrationTest, OthersKeysSurvive) {
+    std::filesystem::create_directories(home / "generalutilities");
+    std::ofstream(home / "generalutilities/registry.reg")
+        << "Windows Registry Editor Version "
+           "5.00\n\n[HKEY_CLASSES_ROOT\\Other]\n\"n\"=dword:00000005\n";
+    ASSERT_EQ(DllRegisterServer(), S_OK);
+    ASSERT_EQ(DllUnregisterServer(), S_OK);
+    EXPECT_NE(File().find("[HKEY_CLASSES_ROOT\\Other]\n\"n\"=dword:00000005\n"), std::string::npos);
+}
+
+TEST_F(RegistrationTest, ProgIdsOfOurClassesNeedNoRegistration) {
+    char16_t* progId = nullptr;
+    ASSERT_EQ(ProgIDFromCLSID(CLSID_qlnDictionary, &progId), S_OK);
+    EXPECT_EQ(std::u16string(progId), u"GeneralUtilities.qlnDictionary.1");
+    CoTaskMemFree(progId);
+    EXPECT_EQ(ProgIDFromCLSID(IID_IUnknown, &progId), REGDB_E_CLASSNOTREG);
+    CLSID clsid;
+    EXPECT_EQ(CLSIDFromProgID(u"GeneralUtilities.StringUtils.1", &clsid), CO_E_CLASSSTRING);
+    EXPECT_EQ(CLSIDFromProgID(u"CLSID\\x", &clsid), CO_E_CLASSSTRING);
+}
+
+}  // namespace
+}  // namespace generalutilities

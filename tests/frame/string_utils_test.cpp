@@ -1,0 +1,139 @@
+// `StringUtils` as a client sees it: directly and through `Invoke`.
+
+#include <generalutilities/automation/pointers.h>
+#include <generalutilities/interfaces/class_ids.h>
+#include <generalutilities/interfaces/string_utils.h>
+
+#include <gtest/gtest.h>
+#include <vector>
+
+namespace generalutilities {
+namespace {
+
+class StringUtilsTest : public testing::Test {
+  protected:
+    void SetUp() override {
+        ASSERT_EQ(CoCreateInstance(CLSID_StringUtils, nullptr, CLSCTX_INPROC_SERVER,
+                                   IID_IStringUtils, utils.OutVoid()),
+                  S_OK);
+    }
+    ComPtr<IStringUtils> utils;
+};
+
+TEST_F(StringUtilsTest, FoldsWithoutLookingAtNullTerminators) {
+    const Bstr text(std::u16string_view(u"\u00E9\0\xDBFF\u00DF", 4));
+    Bstr out;
+    ASSERT_EQ(utils->ToUpper(text.Get(), out.Out()), S_OK);
+    EXPECT_EQ(out.View(), std::u16string_view(u"\u00C9\0\xDBFFSS", 5));
+    ASSERT_EQ(utils->DeAccentString(text.Get(), out.Out()), S_OK);
+    EXPECT_EQ(out.View(), std::u16string_view(u"e\0\xDBFF\u00DF", 4));
+    BSTR input = text.Get();
+    ASSERT_EQ(utils->DeAccentUpperCaseString(&input, out.Out()), S_OK);
+    EXPECT_EQ(out.View(), std::u16string_view(u"E\0\xDBFFSS", 5));
+    ASSERT_EQ(utils->ToLower(nullptr, out.Out()), S_OK);
+    EXPECT_NE(out.Get(), nullptr) << "an empty string, not a null one";
+    EXPECT_EQ(out.View(), u"");
+    EXPECT_EQ(utils->ToLower(text.Get(), nullptr), E_POINTER);
+    EXPECT_EQ(utils->DeAccentUpperCaseString(nullptr, out.Out()), E_POINTER);
+}
+
+TEST_F(StringUtilsTest, ParsesTokenByToken) {
+    const Bstr text(u"R&D {12}x");
+    std::int32_t position = 0;  // counts as 1
+    WordTypeEnum type = qlnwtDigit;
+    std::vector<std::pair<WordTypeEnum, std::u16string>> tokens;
+    for (;;) {
+        Bstr token;
+        ASSERT_EQ(utils->ParseString(&position, text.Get(), 1033, &type, token.Out()), S_OK);
+        if (token.Get() == nullptr) {
+            break;
+        }
+        tokens.emplace_back(type, token.Text());
+    }
+    EXPECT_EQ(
+        tokens,
+        (std::vector<std::pair<WordTypeEnum, std::u16string>>{
+            {qlnwtWord, u"R&D"}, {qlnwtSeparator, u" "}, {qlnwtCode, u"{12}"}, {qlnwtWord, u"x"}}));
+    EXPECT_EQ(position, 0);
+    EXPECT_EQ(type, qlnwtWord) << "the end leaves the type alone";
+
+    Bstr token;
+    position = 1;
+    EXPECT_EQ(utils->ParseString(&position, nullptr, 1033, &type, token.Out()), S_OK);
+    EXPECT_EQ(position, 0);
+    position = -1;
+    EXPECT_EQ(utils->ParseString(&position, text.Get(), 1033, &type, token.Out()), E_INVALIDARG);
+}
+
+TEST_F(StringUtilsTest, KeysRefuseNullAndZero) {
+    Bstr key;
+    EXPECT_EQ(utils->ToIndex(nullptr, 1033, 50, key.Out()), E_INVALIDARG);
+    EXPECT_EQ(utils->ToIndex(Bstr(u"a").Get(), 1033, 0, key.Out()), E_INVALIDARG);
+    EXPECT_EQ(utils->ToIndex(Bstr(u"a").Get(), 1033, 50, nullptr), E_INVALIDARG);
+    EXPECT_EQ(utils->ToIndex(Bstr(u"a").Get(), 1033, -5, key.Out()), S_OK);
+    EXPECT_EQ(key.View(), u"");
+    EXPECT_EQ(utils->ToIndex(Bstr(u"1 000 francs").Get(), 1036, 50, key.Out()), S_OK);
+    EXPECT_EQ(key.View(), u"francs");
+}
+
+TEST_F(StringUtilsTest, IgnoreFontsIsTrueForTheExactValueOnly) {
+    VARIANT_BOOL value = 5;
+    for (const auto& [put, got] : {std::pair<VARIANT_BOOL, VARIANT_BOOL>{1, 0}, {-1, -1}, {2, 0}}) {
+        EXPECT_EQ(utils->put_TTXIgnoreFonts(put), S_OK);
+        EXPECT_EQ(utils->get_TTXIgnoreFonts(&value), S_OK);
+        EXPECT_EQ(value, got);
+    }
+}
+
+/// Late-bound ParseString: by-reference long and enumeration, defaults, named arguments.
+TEST_F(StringUtilsTest, AnswersTheSameThroughInvoke) {
+    const Bstr text(u"one two");
+    std::int32_t position = 1;
+    VARIANT type{};
+    type.vt = VT_BSTR;  // of another type than the argument: converted there and back
+    type.bstrVal = SysAllocString(u"2");
+    VARIANT arguments[4]{};
+    arguments[0].vt = VT_BYREF | VT_VARIANT;
+    arguments[0].pvarVal = &type;
+    arguments[1].vt = VT_I2;
+    arguments[1].iVal = 1033;
+    arguments[2].vt = VT_BSTR;
+    arguments[2].bstrVal = text.Get();
+    arguments[3].vt = VT_BYREF | VT_I4;
+    arguments[3].plVal = &position;
+    DISPPARAMS parameters{arguments, nullptr, 4, 0};
+    VARIANT result{};
+    ASSERT_EQ(
+        utils->Invoke(19, GUID_NULL, 0, DISPATCH_METHOD, &parameters, &result, nullptr, nullptr),
+        S_OK);
+    EXPECT_EQ(std::u16string(result.bstrVal), u"one");
+    EXPECT_EQ(position, 4);
+    EXPECT_EQ(type.vt, VT_I4);
+    EXPECT_EQ(type.lVal, qlnwtWord);
+    VariantClear(&result);
+
+    VARIANT key[2]{};
+    key[0].vt = VT_I4;  // LangID by name; the size takes its default
+    key[0].lVal = 1033;
+    key[1] = arguments[2];
+    DISPID named[] = {1};
+    DISPPARAMS byName{key, named, 2, 1};
+    ASSERT_EQ(utils->Invoke(21, GUID_NULL, 0, DISPATCH_METHOD, &byName, &result, nullptr, nullptr),
+              S_OK);
+    EXPECT_EQ(std::u16string(result.bstrVal), u"one two");
+    VariantClear(&result);
+
+    VARIANT wrong[3]{};
+    wrong[0].vt = VT_BSTR;
+    wrong[0].bstrVal = text.Get();
+    wrong[1] = key[0];
+    wrong[2] = arguments[2];
+    DISPPARAMS mismatch{wrong, nullptr, 3, 0};
+    std::uint32_t bad = 99;
+    EXPECT_EQ(utils->Invoke(21, GUID_NULL, 0, DISPATCH_METHOD, &mismatch, &result, nullptr, &bad),
+              DISP_E_TYPEMISMATCH);
+    EXPECT_EQ(bad, 0u);
+}
+
+}  // namespace
+}  // namespace generalutilities
