@@ -148,7 +148,9 @@ bool RestoreHiddenCodes(std::u16string_view shown, std::u16string_view storedTar
         }
     }
     if (!target.wellFormed || lost != nullptr) {
-        missing = lost == nullptr ? storedTarget : lost->shown;
+        missing = lost == nullptr       ? std::u16string(storedTarget)
+                  : lost->shown.empty() ? PlainText(lost->whole)
+                                        : std::u16string(lost->shown);
         return false;
     }
     std::stable_sort(replacements.begin(), replacements.end(),

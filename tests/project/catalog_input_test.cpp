@@ -1,0 +1,172 @@
+#include <generalutilities/extview/segment_text.h>
+
+#include "platform/message_catalog/message_catalog.h"
+#include "project/project_files.h"
+
+namespace generalutilities {
+namespace {
+
+const NewProjectRow& RowOf(const std::vector<NewProjectRow>& rows, std::u16string_view source) {
+    for (const NewProjectRow& row : rows) {
+        if (row.source == source) {
+            return row;
+        }
+    }
+    ADD_FAILURE() << "no row " << files::ToUtf8Lossy(source);
+    return rows.front();
+}
+
+CatalogInput AllCatalogs() {
+    CatalogInput input;
+    input.templatePath = DataFile(u"template.pot");
+    input.catalogs = {{DataFile(u"ru.po"), {}}, {DataFile(u"fr.po"), {}}, {DataFile(u"ja.po"), {}}};
+    input.emptyLanguages = {1031};
+    return input;
+}
+
+TEST(CatalogInput, MatchesTheMessagesOfSeveralLanguages) {
+    const auto source = OpenCatalogInput(AllCatalogs());
+    EXPECT_EQ(source->Languages(), (std::vector<std::int32_t>{1049, 1036, 1041, 1031}))
+        << "from the header, from the file's name, and the one without a catalogue";
+    const auto rows = AllRows(*source);
+    ASSERT_EQ(rows.size(), 7U) << "5 messages, one of them with three plural forms";
+    EXPECT_EQ(source->RowsAtMost(), 7U);
+
+    const NewProjectRow& open = RowOf(rows, u"Open %s");
+    EXPECT_EQ(open.translations[0].target, u"Открыть %s");
+    EXPECT_EQ(open.translations[0].status, 2) << "fuzzy";
+    EXPECT_EQ(open.translations[0].percentage, 0);
+    EXPECT_EQ(open.translations[0].comments, u"Меню.\nA menu entry.");
+    EXPECT_EQ(open.translations[1].target, u"Ouvrir %s \u00E0 c\u00F4t\u00E9") << "ISO-8859-1";
+    EXPECT_EQ(open.translations[1].status, 1) << "exact";
+    EXPECT_EQ(open.translations[1].percentage, 100);
+    EXPECT_EQ(open.translations[2].target, u"表示%s") << "Shift_JIS, with 0x5C as a second byte";
+    EXPECT_EQ(open.translations[3].target, u"");
+    EXPECT_EQ(open.translations[3].status, 0);
+
+    EXPECT_EQ(rows[1].source, u"Open");
+    EXPECT_EQ(rows[1].translations[0].target, u"") << "another context";
+    EXPECT_EQ(rows[1].translations[0].comments, u"Context: verb");
+    EXPECT_EQ(rows[2].translations[0].target, u"Открытый");
+    EXPECT_EQ(RowOf(rows, u"C:\\\\\\{x\\}").translations[1].target, u"C:\\\\\\{x\\} \u00AB\u00BB");
+    ASSERT_EQ(source->Notes().size(), 1U) << "a message that the template does not have";
+    EXPECT_NE(source->Notes()[0].find("ru.po: 1 "), std::string::npos);
+}
+
+TEST(CatalogInput, GivesARowForEachPluralForm) {
+    const auto rows = AllRows(*OpenCatalogInput(AllCatalogs()));
+    const auto& one = rows[3];
+    const auto& few = rows[4];
+    const auto& many = rows[5];
+    EXPECT_EQ(one.source, u"%d file");
+    EXPECT_EQ(few.source, u"%d files");
+    EXPECT_EQ(many.source, u"%d files");
+    EXPECT_EQ(many.translations[0].target, u"%d файлов");
+    EXPECT_EQ(many.translations[0].status, 1);
+    EXPECT_EQ(few.translations[1].target, u"%d fichiers");
+    EXPECT_EQ(many.translations[1].target, u"");
+    EXPECT_EQ(many.translations[1].status, 0x200)
+        << "French has no third form: nothing to do there";
+    EXPECT_EQ(one.translations[2].target, u"%d ファイル");
+    EXPECT_EQ(few.translations[2].status, 0x200);
+    EXPECT_EQ(few.translations[0].comments, u"Plural form 2 of 3");
+}
+
+TEST(CatalogInput, WorksWithoutATemplateAndByReference) {
+    CatalogInput input;
+    input.catalogs = {{DataFile(u"fr.po"), {}}, {DataFile(u"ru.po"), {}}};
+    auto rows = AllRows(*OpenCatalogInput(input));
+    EXPECT_EQ(rows.size(), 7U) << "those of the first, then those that only the second has";
+    EXPECT_EQ(rows.back().source, u"Only here");
+    EXPECT_EQ(rows.front().fileSpec, DataFile(u"fr.po"));
+
+    input = AllCatalogs();
+    input.filesByReference = true;
+    rows = AllRows(*OpenCatalogInput(input));
+    EXPECT_EQ(rows[0].fileSpec, u"src/menu.c");
+    EXPECT_EQ(rows[3].fileSpec, u"src/list.c");
+    EXPECT_EQ(rows[2].fileSpec, DataFile(u"template.pot")) << "no reference";
+}
+
+TEST(CatalogInput, MakesCodesOfPlaceholders) {
+    CatalogInput input = AllCatalogs();
+    input.textForm = TextForm::Placeholders;
+    const auto rows = AllRows(*OpenCatalogInput(input));
+    EXPECT_EQ(StripCodeMarkers(rows[0].source), u"Open {1}");
+    EXPECT_EQ(PlainText(rows[0].source), u"Open %s");
+    EXPECT_EQ(StripCodeMarkers(rows[0].translations[2].target), u"表示{1}");
+}
+
+TEST(CatalogInput, RefusesTwoCataloguesOfOneLanguage) {
+    CatalogInput input;
+    input.catalogs = {{DataFile(u"fr.po"), {}}, {DataFile(u"ru.po"), 1036}};
+    EXPECT_NE(ErrorOf([&] { OpenCatalogInput(input); }).find("another catalogue for fr-FR"),
+              std::string::npos);
+    EXPECT_NE(ErrorOf([] { OpenCatalogInput({}); }), "");
+}
+
+struct WrongCatalog {
+    const char* content;
+    std::vector<const char*> told;
+};
+
+TEST(MessageCatalog, NamesWhatIsWrongAndGoesOn) {
+    const std::string header =
+        "msgid \"\"\nmsgstr \"Content-Type: text/plain; charset=UTF-8\\n\"\n\n";
+    const std::string wrongBytes = header + "msgid \"e\"\nmsgstr \"\xE9\x8E\"\n";
+    std::string manyErrors;
+    for (int i = 0; i < 100; ++i) {
+        manyErrors += "garbage \"\n";
+    }
+    const WrongCatalog cases[] = {
+        {"msgid \"a\"\nmsgstr \"1", {"line 2", "end-of-file within string"}},
+        {"msgid \"a\"\nmsgstr \"1\"\n\nmsgid \"a\"\nmsgstr \"2\"\n", {"line 4", "duplicate"}},
+        {"hello world\n", {"line 1"}},
+        {manyErrors.c_str(), {"line 1", "more"}},
+        {wrongBytes.c_str(), {"line 5", "multibyte"}},
+        {"msgid \"\"\nmsgstr \"Content-Type: text/plain; charset=klingon\\n\"\n\nmsgid \"e\"\n"
+         "msgstr \"x\"\n",
+         {"klingon", "UTF-8"}},
+        {"msgid \"\"\nmsgstr \"Content-Type: text/plain; charset=UTF-7\\n\"\n\nmsgid \"e\"\n"
+         "msgstr \"\xD2\"\n",
+         {"UTF-7", "\"e\""}},
+    };
+    const TemporaryFolder folder;
+    const std::u16string path = folder.Path(u"wrong.po");
+    for (const WrongCatalog& test : cases) {
+        WriteFile(path, test.content);
+        const std::string error = ErrorOf([&] { message_catalog::Read(path); });
+        EXPECT_NE(error.find("wrong.po"), std::string::npos) << test.content << "\n" << error;
+        for (const char* words : test.told) {
+            EXPECT_NE(error.find(words), std::string::npos) << test.content << "\n" << error;
+        }
+        EXPECT_EQ(message_catalog::Read(DataFile(u"ru.po")).messages.size(), 4U)
+            << "the parser is as good as new";
+    }
+    WriteFile(path, "");
+    EXPECT_TRUE(message_catalog::Read(path).messages.empty());
+    EXPECT_NE(ErrorOf([&] { message_catalog::Read(folder.Path(u"absent.po")); }), "");
+    EXPECT_NE(ErrorOf([&] { message_catalog::Read(folder.Path(u"")); }), "") << "a folder";
+    WriteFile(folder.Path(u"x.po"), header + "msgid \"e\"\nmsgstr \"x\"\n");
+    EXPECT_NE(ErrorOf([&] {
+                  OpenCatalogInput({{}, {{folder.Path(u"x.po"), {}}}, {}});
+              }).find("fr="),
+              std::string::npos)
+        << "a catalogue that does not tell its language";
+}
+
+TEST(MessageCatalog, SurvivesAFileCutAnywhere) {
+    const std::string whole = ReadFile(DataFile(u"ja.po"));
+    const TemporaryFolder folder;
+    for (std::size_t length = 0; length < whole.size(); ++length) {
+        WriteFile(folder.Path(u"cut.po"), whole.substr(0, length));
+        try {
+            ASSERT_LE(message_catalog::Read(folder.Path(u"cut.po")).messages.size(), 2U);
+        } catch (const Error& error) {
+            ASSERT_NE(std::string(error.what()).find("cut.po"), std::string::npos) << length;
+        }
+    }
+}
+
+}  // namespace
+}  // namespace generalutilities

@@ -1,0 +1,174 @@
+#include <generalutilities/extview/source_key.h>
+
+#include "project/project_files.h"
+
+#include <filesystem>
+
+namespace generalutilities {
+namespace {
+
+/// Texts of which no unit may be lost on the way into a project and out again.
+const std::u16string OddTexts[] = {u"\xD800",
+                                   u"\xDC00x\xD83D\xDE00",
+                                   u"\uFFFF\uFFFE",
+                                   u"\uFEFFbom",
+                                   u"a\r\nb\rc\nd\te",
+                                   u"\u2028\u2029\u0085",
+                                   u"'quoted' \"twice\" \\ {1} \\{",
+                                   u"\u0006{1}\u0007%s\u0008",
+                                   u"e\u0301 \u05D0\u05B0 \u0627\u064B \u0E01\u0E33 \uAC00",
+                                   u"  blanks  ",
+                                   u"%_*?[#]"};
+
+std::size_t FilesIn(const TemporaryFolder& folder) {
+    const std::filesystem::directory_iterator list(files::ToUtf8Lossy(folder.Path(u"")));
+    return static_cast<std::size_t>(std::distance(begin(list), end(list)));
+}
+
+TEST(CreateProject, KeepsEveryUnitOfItsRows) {
+    const TemporaryFolder folder;
+    std::vector<NewProjectRow> rows;
+    for (const std::u16string& text : OddTexts) {
+        rows.push_back(MakeRow(text, {{text + u"1", text + u"2", 0x201, 77}, {}}));
+    }
+    CreateOptions options;
+    options.sourceLanguage = 2057;
+    std::vector<int> percents;
+    options.progress = [&](int percent) { percents.push_back(percent); };
+    const CreateResult result = CreateProject(
+        folder.Path(u"p"),
+        Sources(std::make_unique<FixedRows>(std::vector<std::int32_t>{1036, 1041}, rows)), options);
+    EXPECT_EQ(result.rows, rows.size());
+    EXPECT_EQ(result.files, std::vector<std::u16string>{u"main.txt"});
+    EXPECT_EQ(percents.back(), 100);
+    EXPECT_TRUE(std::is_sorted(percents.begin(), percents.end()));
+    EXPECT_EQ(FilesIn(folder), 1U) << "nothing else is left beside the project";
+
+    const auto project = OpenProject(folder.Path(u"p"));
+    const auto pairs =
+        project->OpenRecordset(u"SELECT * FROM Pairs ORDER BY ID", RecordsetType::Dynaset);
+    ASSERT_NE(pairs, nullptr);
+    const auto text = [&](std::u16string_view column) {
+        const FieldValue value = pairs->GetValue(pairs->FieldIndex(column).value());
+        const auto* view = std::get_if<std::u16string_view>(&value);
+        return view == nullptr ? u"(null)" : std::u16string(*view);
+    };
+    for (const std::u16string& expected : OddTexts) {
+        EXPECT_EQ(text(u"Source"), expected);
+        EXPECT_EQ(text(u"Target_1036"), expected + u"1");
+        EXPECT_EQ(text(u"Comments_1036"), expected + u"2");
+        EXPECT_EQ(text(u"Target_1041"), u"(null)");
+        EXPECT_EQ(text(u"Source2Index"), MakeSourceKey(expected, 2057));
+        pairs->MoveNext();
+    }
+    EXPECT_TRUE(pairs->Eof());
+    EXPECT_EQ(QueryText(*project, u"SELECT sLang FROM Stamp"), u"9");
+    EXPECT_EQ(QueryText(*project, u"SELECT sSubLang FROM Stamp"), u"2");
+    EXPECT_EQ(QueryText(*project, u"SELECT FileSpec FROM Files WHERE ID = 1"), u"app/main.txt");
+    EXPECT_EQ(QueryText(*project,
+                        u"SELECT Status_1036 FROM Pairs WHERE Selected = -1 AND "
+                        u"Done = 0 AND FileID = 1 AND Percentage_1036 = 77"),
+              u"513");
+    const auto table = project->OpenRecordset(u"Pairs", RecordsetType::Table);
+    ASSERT_TRUE(table->SetIndex(u"iID"));
+    ASSERT_TRUE(table->Seek(u"000002"));
+    EXPECT_FALSE(table->NoMatch());
+}
+
+TEST(CreateProject, NumbersRowsSoThatTextOrderIsTheirOrder) {
+    const TemporaryFolder folder;
+    std::vector<NewProjectRow> rows(1200000 / 1000, MakeRow(u"x", {{}}));
+    class Many final : public RowSource {  // claims more rows than six digits can number
+      public:
+        explicit Many(std::vector<NewProjectRow> given) : inner({1036}, std::move(given)) {}
+        const std::vector<std::int32_t>& Languages() const override { return inner.Languages(); }
+        std::uint64_t RowsAtMost() const override { return 12345678; }
+        bool Next(NewProjectRow& row) override { return inner.Next(row); }
+
+      private:
+        FixedRows inner;
+    };
+    CreateProject(folder.Path(u"p"), Sources(std::make_unique<Many>(rows)), {});
+    const auto project = OpenProject(folder.Path(u"p"));
+    EXPECT_EQ(QueryText(*project, u"SELECT ID FROM Pairs ORDER BY ID"), u"00000001");
+    EXPECT_EQ(QueryText(*project, u"SELECT ID FROM Pairs ORDER BY ID DESC"), u"00001200");
+}
+
+TEST(CreateProject, JoinsSourcesWithDifferentLanguagesAndFiles) {
+    const TemporaryFolder folder;
+    auto first = MakeRow(u"a", {{u"fr", u"", 0, 0}});
+    auto second = MakeRow(u"b", {{u"de", u"", 0, 0}, {u"fr2", u"", 0, 0}});
+    second.fileSpec = u"C:\\texts\\other.doc";
+    auto third = MakeRow(u"c", {{}, {}});
+    third.isLexicon = true;
+    third.frequency = 9;
+    auto sources =
+        Sources(std::make_unique<FixedRows>(std::vector<std::int32_t>{1036}, std::vector{first}));
+    sources.push_back(std::make_unique<FixedRows>(std::vector<std::int32_t>{1031, 1036},
+                                                  std::vector{second, third}));
+    const CreateResult result = CreateProject(folder.Path(u"p"), sources, {});
+    EXPECT_EQ(result.languages, (std::vector<std::int32_t>{1036, 1031}));
+    EXPECT_EQ(result.files, (std::vector<std::u16string>{u"main.txt", u"other.doc"}));
+    EXPECT_EQ(result.rows, 2U);
+    EXPECT_EQ(result.lexiconRows, 1U);
+    const auto project = OpenProject(folder.Path(u"p"));
+    EXPECT_EQ(QueryText(*project, u"SELECT Target_1036 FROM Pairs WHERE FileID = 2"), u"fr2");
+    EXPECT_EQ(QueryText(*project, u"SELECT Freq FROM Pairs WHERE FileID = -1"), u"9");
+}
+
+TEST(CreateProject, LeavesNothingBehindWhenARowIsWrong) {
+    const TemporaryFolder folder;
+    const auto row = [](std::u16string id) { return MakeRow(u"x", {{}}, std::move(id)); };
+    const std::pair<std::vector<NewProjectRow>, const char*> cases[] = {
+        {{row(u"a"), row(u"b"), row(u"a")}, "earlier row already"},
+        {{row(u"a"), row(u"")}, "has no identifier"},
+        {{row(u""), row(u"a")}, "has an identifier"},
+        {{row(u"a\nb")}, "control character"},
+    };
+    WriteFile(folder.Path(u"old"), "kept");
+    for (const auto& [rows, words] : cases) {
+        const auto make = [&](std::u16string_view name, bool replace) {
+            CreateOptions options;
+            options.replaceExisting = replace;
+            return ErrorOf([&] {
+                CreateProject(
+                    folder.Path(name),
+                    Sources(std::make_unique<FixedRows>(std::vector<std::int32_t>{1036}, rows)),
+                    options);
+            });
+        };
+        EXPECT_NE(make(u"new", false).find(words), std::string::npos);
+        EXPECT_NE(make(u"old", true).find(words), std::string::npos);
+        EXPECT_EQ(FilesIn(folder), 1U);
+        EXPECT_EQ(ReadFile(folder.Path(u"old")), "kept");
+    }
+}
+
+TEST(CreateProject, ReplacesOnlyWhenAllowed) {
+    const TemporaryFolder folder;
+    const auto make = [&](std::u16string path, bool replace) {
+        CreateOptions options;
+        options.replaceExisting = replace;
+        return ErrorOf([&] {
+            CreateProject(path,
+                          Sources(std::make_unique<FixedRows>(std::vector<std::int32_t>{1036},
+                                                              std::vector{MakeRow(u"x", {{}})})),
+                          options);
+        });
+    };
+    WriteFile(folder.Path(u"p"), "old");
+    WriteFile(folder.Path(u"p-journal"), "of an earlier file of that name");
+    EXPECT_NE(make(folder.Path(u"p"), false).find("already"), std::string::npos);
+    EXPECT_EQ(ReadFile(folder.Path(u"p")), "old");
+    EXPECT_EQ(make(folder.Path(u"p"), true), "");
+    EXPECT_NE(OpenProject(folder.Path(u"p")), nullptr);
+    EXPECT_EQ(FilesIn(folder), 1U);
+    EXPECT_NE(make(folder.Path(u""), true).find("folder"), std::string::npos);
+    EXPECT_NE(make(folder.Path(u"no/such/p"), false), "");
+    EXPECT_NE(make(u"", false), "");
+    EXPECT_NE(ErrorOf([&] { CreateProject(folder.Path(u"q"), {}, {}); }).find("target language"),
+              std::string::npos);
+}
+
+}  // namespace
+}  // namespace generalutilities

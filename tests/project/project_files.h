@@ -1,0 +1,119 @@
+#pragma once
+
+#include <generalutilities/database.h>
+#include <generalutilities/error.h>
+#include <generalutilities/project/create.h>
+#include <generalutilities/project/inputs.h>
+
+#include "database/temporary_folder.h"
+
+#include <fstream>
+#include <gtest/gtest.h>
+#include <iterator>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// Files and projects for the tests of this folder.
+namespace generalutilities {
+
+inline void WriteFile(std::u16string_view path, std::string_view bytes) {
+    std::ofstream file(files::ToUtf8Lossy(path), std::ios::binary);
+    file << bytes;
+    ASSERT_TRUE(file.good());
+}
+
+inline std::string ReadFile(std::u16string_view path) {
+    std::ifstream file(files::ToUtf8Lossy(path), std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+inline std::u16string DataFile(std::u16string_view name) {
+    return files::FromUtf8(TEST_DATA_DIR "/") + std::u16string(name);
+}
+
+/// Rows that a test made.
+class FixedRows final : public RowSource {
+  public:
+    FixedRows(std::vector<std::int32_t> languageIds, std::vector<NewProjectRow> fixedRows)
+        : languages(std::move(languageIds)), rows(std::move(fixedRows)) {}
+    const std::vector<std::int32_t>& Languages() const override { return languages; }
+    std::uint64_t RowsAtMost() const override { return rows.size(); }
+    bool Next(NewProjectRow& row) override {
+        if (position == rows.size()) {
+            return false;
+        }
+        row = rows[position++];
+        return true;
+    }
+
+  private:
+    std::vector<std::int32_t> languages;
+    std::vector<NewProjectRow> rows;
+    std::size_t position = 0;
+};
+
+inline std::vector<std::unique_ptr<RowSource>> Sources(std::unique_ptr<RowSource> source) {
+    std::vector<std::unique_ptr<RowSource>> sources;
+    sources.push_back(std::move(source));
+    return sources;
+}
+
+inline NewProjectRow MakeRow(std::u16string source, std::vector<Translation> translations,
+                             std::u16string id = {}) {
+    NewProjectRow row;
+    row.id = std::move(id);
+    row.source = std::move(source);
+    row.fileSpec = u"app/main.txt";
+    row.translations = std::move(translations);
+    return row;
+}
+
+inline std::vector<NewProjectRow> AllRows(RowSource& source) {
+    std::vector<NewProjectRow> rows;
+    for (NewProjectRow row; source.Next(row);) {
+        rows.push_back(row);
+    }
+    return rows;
+}
+
+inline std::unique_ptr<Database> OpenProject(std::u16string_view path) {
+    DatabaseFailure failure;
+    auto database = OpenDatabase(path, OpenMode::ReadWrite, failure);
+    EXPECT_NE(database, nullptr) << files::ToUtf8Lossy(failure.description);
+    return database;
+}
+
+/// The text that a query gives in its first row and field.
+inline std::u16string QueryText(Database& database, std::u16string_view query) {
+    const auto rows = database.OpenRecordset(query, RecordsetType::Dynaset);
+    if (!rows || rows->Eof()) {
+        return u"(no row)";
+    }
+    const FieldValue value = rows->GetValue(0);
+    if (const auto* text = std::get_if<std::u16string_view>(&value)) {
+        return std::u16string(*text);
+    }
+    if (const auto* number = std::get_if<std::int32_t>(&value)) {
+        return files::FromUtf8(std::to_string(*number));
+    }
+    if (const auto* flag = std::get_if<bool>(&value)) {
+        return *flag ? u"True" : u"False";
+    }
+    return u"(null)";
+}
+
+/// The words of the `Error` that a call throws; empty when it throws none.
+template <class Call>
+std::string ErrorOf(Call call) {
+    try {
+        call();
+    } catch (const Error& error) {
+        EXPECT_LT(error.Status(), 0);
+        return error.what();
+    }
+    return {};
+}
+
+}  // namespace generalutilities
