@@ -7,6 +7,7 @@
 #include "commands/register_command.h"
 #include "commands/text_command.h"
 #include "failure.h"
+#include "unicode.h"
 #if __has_include("commands/project_command.h")
 #include "commands/project_command.h"
 #endif
@@ -73,6 +74,18 @@ std::string Describe(const Error& failure, const std::string& source) {
     return std::string(failure.what()) + "\n  reported by " + source + ", status " + status;
 }
 
+/// What was typed and has no meaning, as a message; empty when all of it has one. Such a word is
+/// the likely cause of whatever else is missing, and it is an error beside --help too.
+std::string DescribeUnknown(const CLI::App& app) {
+    const std::vector<std::string> unknown = app.remaining(true);
+    if (unknown.empty()) {
+        return {};
+    }
+    const std::string& word = unknown.front();
+    return "\"" + ShowControls(word) + "\" is no " +
+           (word.starts_with("-") ? "option here" : "command or argument here");
+}
+
 ExitCode ParseAndRun(int argc, const char* const* argv, Console& console) {
     CLI::App app("The general utilities library from the command line", "genutil");
     app.footer(Overview);
@@ -83,14 +96,17 @@ ExitCode ParseAndRun(int argc, const char* const* argv, Console& console) {
 
     try {
         app.parse(argc, argv);
-    } catch (const CLI::Success& request) {  // help or version
-        std::ostringstream text;
-        app.exit(request, text, text);
-        console.Write(text.str());
-        return ExitCode::Done;
-    } catch (const CLI::ParseError& error) {
-        const std::string name = CalledName(app);
-        console.Error(std::string(error.what()) + "\nTry: " + name + " --help");
+    } catch (const CLI::ParseError& outcome) {
+        const std::string unknown = DescribeUnknown(app);
+        const bool isRequest = outcome.get_exit_code() == 0;  // help or version
+        if (isRequest && unknown.empty()) {
+            std::ostringstream text;
+            app.exit(outcome, text, text);
+            console.Write(text.str());
+            return ExitCode::Done;
+        }
+        console.Error((unknown.empty() ? ShowControls(outcome.what()) : unknown) +
+                      "\nTry: " + CalledName(app) + " --help");
         return ExitCode::WrongUse;
     }
     try {

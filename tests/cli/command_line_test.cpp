@@ -1,0 +1,198 @@
+#include "program.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+namespace generalutilities::cli_test {
+namespace {
+
+using nlohmann::json;
+using testing::HasSubstr;
+using testing::Not;
+
+/// A command line and what must come of it. `output` and `error` are pieces of the two streams.
+struct CommandLine {
+    std::vector<std::string> arguments;
+    int exitCode;
+    std::string output;
+    std::string error;
+    std::string input = {};
+};
+
+void Check(const std::vector<CommandLine>& lines) {
+    for (const CommandLine& line : lines) {
+        const Result result = Genutil(line.arguments, {.input = line.input});
+        const std::string called = testing::PrintToString(line.arguments);
+        EXPECT_EQ(result.exitCode, line.exitCode) << called << result.error;
+        EXPECT_THAT(result.output, HasSubstr(line.output)) << called;
+        EXPECT_THAT(result.error, HasSubstr(line.error)) << called;
+        EXPECT_THAT(result.output + result.error, Not(HasSubstr("\x1b"))) << called;
+        if (line.exitCode >= 2) {
+            EXPECT_THAT(result.error, testing::StartsWith("genutil: ")) << called;
+        }
+    }
+}
+
+TEST(CommandLine, WrongUseIsToldWithoutRunningAnything) {
+    Check({
+        {{}, 2, "", "subcommand is required"},
+        {{"nonsense"}, 2, "", "\"nonsense\" is no command"},
+        {{"nonsense", "--help"}, 2, "", "\"nonsense\" is no command"},
+        {{"--nonsense"}, 2, "", "\"--nonsense\" is no option"},
+        {{"--version", "--nonsense"}, 2, "", "--nonsense"},
+        {{"export", "p", "--nonsense"}, 2, "", "\"--nonsense\" is no option"},
+        {{"classes", "A", "B"}, 2, "", "\"B\""},
+        {{"text"}, 2, "", "Try: genutil text --help"},
+        {{"text", "reverse", "x"}, 2, "", "reverse"},
+        {{"text", "upper", "--size", "3"}, 2, "", "--size"},
+        {{"text", "key", "--size", "0", "x"}, 2, "", "--size"},
+        {{"text", "key", "--size", "many", "x"}, 2, "", "--size"},
+        {{"text", "words", "--language", "xx-YY", "x"}, 2, "", "\"xx-YY\" is no known language"},
+        {{"text", "words", "--language", "70000", "x"}, 2, "", "no known language"},
+        {{"text", "words", "--language", "", "x"}, 2, "", "--language"},
+        {{"text", "upper", "good", "b\xFF"}, 2, "", "TEXT 2, byte offset 1: not valid UTF-8"},
+        {{"export", "p"}, 2, "", "required"},
+        {{"export", "p", "-o", "x", "-l", "klingon"}, 2, "", "klingon"},
+        {{"export", "p", "-o", "x", "-l", "fr", "--color-exact", "red"}, 2, "", "#RRGGBB"},
+        {{"export", "p", "-o", "x", "-l", "fr", "--source-font", "A;B"}, 2, "", "A;B"},
+        {{"export", "p", "-o", "x", "-l", "fr", "--status-value"}, 2, "", "--status-column"},
+        {{"export", "p", "-o", "x", "-l", "fr", "--only-pending", "--only-translated"},
+         2,
+         "",
+         "excludes"},
+        {{"export", "p", "-o", "x", "-l", "fr", "--order-by", "Freq"}, 2, "", "--file lexicon"},
+        {{"export", "p", "-o", "x", "-l", "fr", "--progress", "loud"}, 2, "", "--progress"},
+        {{"import", "p", "f"}, 2, "", "--language"},
+        {{"import", "p", "f", "-l", "fr", "--report", "pdf"}, 2, "", "--report"},
+        {{"import", "p", "f", "-l", "fr", "--report", "text", "--json"}, 2, "", "--json"},
+    });
+}
+
+TEST(CommandLine, HelpSuffices) {
+    EXPECT_THAT(Genutil({"--version"}).output, HasSubstr("genutil 0."));
+    EXPECT_THAT(Genutil({"--help"}).output, HasSubstr("Exit codes: 0 done"));
+    for (const std::string command : {"export", "import", "review", "accept", "project", "text",
+                                      "classes", "register", "unregister"}) {
+        const Result result = Genutil({command, "--help"});
+        EXPECT_EQ(result.exitCode, 0) << command;
+        EXPECT_THAT(result.output, HasSubstr("Usage: genutil " + command)) << command;
+        EXPECT_EQ(result.error, "") << command;
+    }
+    for (const std::string command : {"export", "import", "text", "classes"}) {
+        EXPECT_THAT(Genutil({command, "--help"}).output, HasSubstr("Example")) << command;
+    }
+}
+
+TEST(CommandLine, ConvertsTexts) {
+    Check({
+        {{"text", "upper", "straße", "éa"}, 0, "STRASSE\nÉA\n", ""},
+        {{"text", "lower", "ΑΘΉΝΑ"}, 0, "αθήνα\n", ""},
+        {{"text", "deaccent", "Crème brûlée"}, 0, "Creme brulee\n", ""},
+        {{"text", "simplify", "「a」"}, 0, "(a)\n", ""},
+        {{"text", "simplify", "--language", "el-GR", "τι;"}, 0, "τι?\n", ""},
+        {{"text", "key", "  {1}Hello   42 worlds "}, 0, "Hello worlds\n", ""},
+        {{"text", "key", "--size", "2", "ab cd"}, 0, "ab\n", ""},
+        {{"text", "key", "12 34"}, 0, "\n", ""},
+        {{"text", "upper"}, 0, "AB\n\nCD\n", "", "ab\n\r\ncd"},
+        {{"text", "words", "--language", "fr-FR", "l'homme a 1 000,50 {1}"},
+         0,
+         "word\tl'\nword\thomme\nseparator\t \nword\ta\nseparator\t \ndigit\t1 000,50\n"
+         "separator\t \ncode\t{1}\n",
+         ""},
+        {{"text", "words", "漢", "a\tb"}, 0, "dbcs\t漢\n\nword\ta\nseparator\t␉\nword\tb\n", ""},
+        {{"text", "upper"}, 3, "", "line 2, byte offset 4: not valid UTF-8", "ab\nc\xFFx\n"},
+    });
+}
+
+TEST(CommandLine, TellsThatAZeroUnitEndsATextWhereItDoes) {
+    const std::string input("ab\0cd\n", 6);
+    EXPECT_EQ(Genutil({"text", "upper"}, {.input = input}).output, std::string("AB\0CD\n", 6));
+    for (const std::string operation : {"key", "simplify"}) {
+        const Result result = Genutil({"text", operation}, {.input = input});
+        EXPECT_EQ(result.output, "ab\n") << operation;
+        EXPECT_THAT(result.error, HasSubstr("warning:")) << operation;
+    }
+}
+
+TEST(CommandLine, GivesTextsAsJson) {
+    const json words =
+        json::parse(Genutil({"text", "words", "--json", "--language", "1036", "a 1 000"}).output);
+    EXPECT_EQ(words["format"], "genutil.text/1");
+    EXPECT_EQ(words["language"], 1036);
+    EXPECT_EQ(words["results"][0]["tokens"],
+              json::parse(R"([{"type":"word","position":1,"text":"a"},
+                              {"type":"separator","position":2,"text":" "},
+                              {"type":"digit","position":3,"text":"1 000"}])"));
+    const json lines =
+        json::parse(Genutil({"text", "lower", "--json"}, {.input = "A\"\nB\\\n"}).output);
+    EXPECT_EQ(lines["results"][0]["result"], "a\"");
+    EXPECT_EQ(lines["results"][1]["text"], "B\\");
+}
+
+TEST(CommandLine, ListsWhatTheTypeInformationSays) {
+    const json library = json::parse(Genutil({"classes", "--json"}).output);
+    EXPECT_EQ(library["format"], "genutil.classes/1");
+    EXPECT_EQ(library["classes"].size(), 10U);
+    EXPECT_EQ(library["interfaces"].size(), 11U);
+    EXPECT_EQ(library["classes"].size() + library["interfaces"].size() + library["types"].size(),
+              28U);
+
+    const json one = json::parse(Genutil({"classes", "extviewhelper", "--json"}).output);
+    ASSERT_EQ(one["classes"].size(), 1U);
+    EXPECT_EQ(one["classes"][0]["progId"], "GeneralUtilities.ExtViewHelper.1");
+    ASSERT_EQ(one["interfaces"].size(), 2U);
+    const json& methods = one["interfaces"][0]["methods"];
+    EXPECT_EQ(methods[0]["name"], "ExportExternalView");
+    EXPECT_EQ(methods[0]["id"], 1);
+    EXPECT_EQ(methods[0]["arguments"].size(), 15U);
+
+    Check({
+        {{"classes", "StringUtils"}, 0, "ToUpper(", ""},
+        {{"classes", "GeneralUtilities.LongSet"}, 0, "ILongSet (default)", ""},
+        {{"classes", "WordTypeEnum"}, 0, "qlnwtCode = 4", ""},
+        {{"classes", "_IExtViewHelperEvents"}, 0, "[2] ImportProgress(", ""},
+        {{"classes", "NoSuchClass"}, 1, "", "NoSuchClass"},
+    });
+}
+
+TEST(CommandLine, RegistersInTheUsersDataFolder) {
+    const TemporaryFolder folder;
+    const Surroundings surroundings{.environment = {"XDG_DATA_HOME=" + folder.Path().string()}};
+    const std::string file = folder / "generalutilities/registry.reg";
+
+    Result result = Genutil({"register"}, surroundings);
+    EXPECT_EQ(result.exitCode, 0) << result.error;
+    EXPECT_THAT(result.output, HasSubstr(file));
+    EXPECT_THAT(ReadFile(file), HasSubstr("GeneralUtilities.StringUtils.1"));
+
+    result = Genutil({"unregister"}, surroundings);
+    EXPECT_EQ(result.exitCode, 0) << result.error;
+    EXPECT_THAT(ReadFile(file), Not(HasSubstr("GeneralUtilities.StringUtils.1")));
+}
+
+TEST(CommandLine, OutputThatCannotBeWrittenIsAFailure) {
+    Result result = Genutil({"classes"}, {.outputTo = "/dev/full"});
+    EXPECT_EQ(result.exitCode, 3);
+    EXPECT_THAT(result.error, HasSubstr("No space left on device"));
+
+    result = Genutil({"classes"}, {.brokenPipe = true});
+    EXPECT_EQ(result.exitCode, 3);
+    EXPECT_THAT(result.error, HasSubstr("Broken pipe"));
+}
+
+TEST(CommandLine, ColoursOnATerminalAlone) {
+    const std::vector<std::string> command{"classes", "StringUtils"};
+    EXPECT_THAT(
+        Genutil(command, {.environment = {"TERM=xterm", "NO_COLOR="}, .terminal = true}).output,
+        HasSubstr("\x1b["));
+    EXPECT_THAT(
+        Genutil(command, {.environment = {"TERM=xterm", "NO_COLOR=1"}, .terminal = true}).output,
+        Not(HasSubstr("\x1b[")));
+    EXPECT_THAT(
+        Genutil(command, {.environment = {"TERM=dumb", "NO_COLOR="}, .terminal = true}).output,
+        Not(HasSubstr("\x1b[")));
+}
+
+}  // namespace
+}  // namespace generalutilities::cli_test

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+/// Runs the built genutil as a user would, in a folder of its own.
+namespace generalutilities::cli_test {
+
+/// A folder that is gone at the end of the test.
+class TemporaryFolder {
+  public:
+    TemporaryFolder();
+    ~TemporaryFolder();
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+
+    const std::filesystem::path& Path() const { return path; }
+    /// The path of a file in the folder, as an argument.
+    std::string operator/(const std::string& name) const { return (path / name).string(); }
+    /// Writes a file and gives its path.
+    std::string Write(const std::string& name, const std::string& content) const;
+    /// How many files the folder holds, hidden ones too.
+    std::size_t FileCount() const;
+
+  private:
+    std::filesystem::path path;
+};
+
+std::string ReadFile(const std::string& path);
+
+struct Surroundings {
+    std::string input = {};                     ///< standard input
+    std::vector<std::string> environment = {};  ///< "NAME=value", added to that of the test
+    std::string outputTo = {};                  ///< standard output goes to this file instead
+    bool brokenPipe = false;                    ///< standard output is a pipe that nobody reads
+    bool terminal = false;    ///< all three streams are a terminal; it is all `output`
+    long fileSizeLimit = -1;  ///< in bytes: a file cannot grow beyond it
+};
+
+struct Result {
+    int exitCode = -1;  ///< 128 and the signal for a program that a signal ended
+    std::string output;
+    std::string error;
+};
+
+Result Run(const std::string& program, const std::vector<std::string>& arguments,
+           const Surroundings& surroundings = {});
+
+/// Runs genutil.
+Result Genutil(const std::vector<std::string>& arguments, const Surroundings& surroundings = {});
+
+}  // namespace generalutilities::cli_test
