@@ -103,6 +103,9 @@ ExitCode ParseAndRun(int argc, const char* const* argv, Console& console) {
             std::ostringstream text;
             app.exit(outcome, text, text);
             console.Write(text.str());
+            if (!text.str().ends_with('\n')) {
+                console.Write("\n");
+            }
             return ExitCode::Done;
         }
         console.Error((unknown.empty() ? ShowControls(outcome.what()) : unknown) +

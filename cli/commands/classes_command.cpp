@@ -202,9 +202,10 @@ void AddClassesCommand(CLI::App& parent, CommandContext& context) {
     auto options = std::make_shared<ClassesOptions>();
     CLI::App* command = parent.add_subcommand(
         "classes", "List classes, interfaces, methods with dispatch identifiers, and types");
-    command->add_option(
-        "NAME", options->name,
-        "One class, by name or ProgID, with its interfaces; or one interface or type");
+    command
+        ->add_option("NAME", options->name,
+                     "One class, by name or ProgID, with its interfaces; or one interface or type")
+        ->type_name("");
     command->add_flag("--json", options->asJson, "One JSON document, \"genutil.classes/1\"");
     command->footer(
         "Examples:\n"

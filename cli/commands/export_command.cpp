@@ -275,7 +275,7 @@ void AddExportCommand(CLI::App& parent, CommandContext& context) {
     auto options = std::make_shared<ExportCommandOptions>();
     CLI::App* command =
         parent.add_subcommand("export", "Write a project's rows to a table for a reviewer");
-    command->add_option("PROJECT", options->project, "The project file")->required();
+    command->add_option("PROJECT", options->project, "The project file")->required()->type_name("");
     command->add_option("--output,-o", options->output, "The file to write")
         ->required()
         ->type_name("FILE");

@@ -146,6 +146,7 @@ class LeftOutRows {
         : console(errorConsole), file(reviewedFile) {}
 
     void Look(const ReviewedRow& row) {
+        readingStopped = readingStopped || row.outcome == RowOutcome::TooFewCells;
         const std::string reason = ReasonOf(row);
         if (reason.empty()) {
             return;
@@ -166,14 +167,16 @@ class LeftOutRows {
     std::uint64_t Count() const { return count; }
 
   private:
-    static std::string ReasonOf(const ReviewedRow& row) {
+    std::string ReasonOf(const ReviewedRow& row) const {
         switch (row.outcome) {
             case RowOutcome::UnknownId:
                 return "left out: the project has no row \"" + ShowControls(ToUtf8(row.id)) + "\"";
             case RowOutcome::TooFewCells:
                 return "left out: it has fewer than two cells, and reading stops here";
             case RowOutcome::NotRead:
-                return "left out: it stands behind the place where reading stops";
+                return readingStopped
+                           ? "left out: it stands behind the place where reading stops"
+                           : "left out: the file ends inside this row; was it cut off on its way?";
             case RowOutcome::Unchanged:
             case RowOutcome::LineEndsOnly:
             case RowOutcome::Changed:
@@ -186,6 +189,7 @@ class LeftOutRows {
     Console& console;
     const std::string& file;
     std::uint64_t count = 0;
+    bool readingStopped = false;
 };
 
 void Store(CommandContext& context, const OpenProject& project, const ImportOptions& options,
@@ -264,8 +268,10 @@ void AddImportCommand(CLI::App& parent, CommandContext& context) {
     auto options = std::make_shared<ImportOptions>();
     CLI::App* command = parent.add_subcommand(
         "import", "Read a reviewed table back, and say what became of every row");
-    command->add_option("PROJECT", options->project, "The project file")->required();
-    command->add_option("FILE", options->file, "The reviewed table, RTF")->required();
+    command->add_option("PROJECT", options->project, "The project file")->required()->type_name("");
+    command->add_option("FILE", options->file, "The reviewed table, RTF")
+        ->required()
+        ->type_name("");
     command
         ->add_option("--language,-l", options->language,
                      "The target language: a tag such as fr-FR or an identifier such as 1036")

@@ -253,8 +253,10 @@ void AddTextCommand(CLI::App& parent, CommandContext& context) {
         auto options = std::make_shared<TextOptions>();
         CLI::App* command = text->add_subcommand(operation.name, operation.help);
         command->footer("Example:\n" + std::string(operation.example));
-        command->add_option("TEXT", options->texts,
-                            "Texts in UTF-8; without any, the lines of standard input");
+        command
+            ->add_option("TEXT", options->texts,
+                         "Texts in UTF-8; without any, the lines of standard input")
+            ->type_name("");
         if (operation.takesLanguage) {
             command
                 ->add_option("--language,-l", options->language,
