@@ -1,0 +1,62 @@
+#!/usr/bin/env bash
+# The main job on real input: a project goes out to reviewers in ten languages and comes home.
+# Usage: tools/demo.sh BUILD_FOLDER
+set -euo pipefail
+cd "$(dirname "$0")/.."
+build=${1:?usage: tools/demo.sh BUILD_FOLDER}
+genutil=$build/cli/genutil
+out=$build/demo
+languages=(fr-FR de-DE ru-RU el-GR ar-SA he-IL ja-JP zh-CN hi-IN th-TH)
+project=$out/sample.project
+
+heading() { printf '\n== %s\n' "$*"; }
+# Runs a command that must end with the given exit code, and shows it.
+expect() {
+    local wanted=$1 code=0
+    shift
+    printf '$ %s\n' "${*/#$genutil/genutil}"
+    "$@" || code=$?
+    if [ "$code" -ne "$wanted" ]; then
+        printf 'demo: expected exit code %s, got %s\n' "$wanted" "$code" >&2
+        exit 1
+    fi
+}
+
+rm -rf "$out"
+mkdir -p "$out"
+
+heading "A project from a table and gettext catalogues"
+expect 0 "$genutil" project create "$project" --source en-US --codes demo/handbook.csv demo/po/*.po
+expect 0 "$genutil" project info "$project"
+
+for language in "${languages[@]}"; do
+    heading "$language: out to the reviewer"
+    exported=$out/$language.rtf
+    reviewed=$out/$language-reviewed.rtf
+    expect 0 "$genutil" export "$project" -o "$exported" --language "$language" \
+        --status-column --status-value --color-all-rows
+    echo "The reviewer, in a word processor:"
+    demo/edit_like_a_word_processor.py "$exported" "$reviewed" "$language" | sed 's/; /\n/g; s/^/  /' |
+        sed 's/\n/\n  /g'
+
+    heading "$language: home again"
+    # Exit code 1: a row that the reviewer typed in has no place in the project, and is named.
+    expect 1 "$genutil" import "$project" "$reviewed" --language "$language" --dry-run \
+        --report-file "$out/$language-report.html"
+    expect 1 "$genutil" import "$project" "$reviewed" --language "$language"
+    expect 0 "$genutil" review "$project" --language "$language"
+    expect 1 "$genutil" accept "$project" --language "$language"
+done
+
+heading "The project afterwards"
+expect 0 "$genutil" project info "$project"
+
+heading "What was made"
+cat <<END
+  $project
+      the project, with what the reviewers returned taken over
+  $out/LANGUAGE.rtf, LANGUAGE-reviewed.rtf
+      the tables that went out and came back, for ${languages[*]}
+  $out/LANGUAGE-report.html
+      what became of every row of the reviewed tables, changes marked
+END
