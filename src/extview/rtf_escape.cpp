@@ -39,7 +39,6 @@ void AppendEscaped(std::u16string& output, std::u16string_view text) {
                 output.push_back(u' ');
             }
             output.append(text, first, position - first);
-            needBlank = false;
             continue;
         }
         const char16_t unit = text[position++];

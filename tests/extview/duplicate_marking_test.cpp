@@ -107,6 +107,9 @@ TEST(MarkDuplicates, EqualPairs) {
                           {.id = u"4", .source = u"2"},
                           {.id = u"5", .source = u"..."}}),
                 ElementsAre(u"2", u"4"));
+    // The source is compared with its code marks.
+    EXPECT_THAT(MarkedOf({{.id = u"1", .source = u"a"}, {.id = u"2", .source = u"\6a"}}),
+                IsEmpty());
     // The host's key decides who is compared.
     EXPECT_THAT(MarkedOf({{.id = u"1", .source = u"a", .sourceKey = u"x"},
                           {.id = u"2", .source = u"a", .sourceKey = u"x"}}),
@@ -132,7 +135,12 @@ TEST(MarkDuplicates, OnlyInTheSelection) {
     EXPECT_THAT(Mark(project), ElementsAre(u"3", u"4", u"5"));
     // An export of one file clears the marks of its own rows alone.
     EXPECT_THAT(Mark(project, 0, 1), ElementsAre(u"4"));
-    EXPECT_THAT(Mark(project, 0, EveryFile), IsEmpty());
+    // One of all files clears all marks, the lexicon's too.
+    for (const std::int32_t fileId : {AllFiles, EveryFile}) {
+        project.Add({{.id = u"6", .source = u"a", .fileId = Lexicon}});
+        project.Execute(u"UPDATE Pairs SET Done = -1");
+        EXPECT_THAT(Mark(project, 0, fileId), IsEmpty());
+    }
 }
 
 TEST(MarkDuplicates, AgreesWithTheModelOnRandomProjects) {
@@ -153,7 +161,7 @@ TEST(MarkDuplicates, AgreesWithTheModelOnRandomProjects) {
             if (repeatedIds && random() % 3 == 0) {
                 row.id = u"5";
             }
-            row.source = oneOf({u"a", u"b", u"a 1", u"{2} a", u"7", u"it's"});
+            row.source = oneOf({u"a", u"b", u"a 1", u"{2} a", u"7", u"it's", u"a{x}"});
             row.target = oneOf({u"x", u"y", u"x 3", u""});
             if (random() % 4 == 0) {
                 row.sourceKey = oneOf({u"a", u"b", u"", u"c", u"A"});

@@ -7,9 +7,11 @@
 #include "extview/rtf_table_export.h"
 #include "test_project.h"
 
+#include <fstream>
 #include <functional>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -229,8 +231,8 @@ TEST(ExportRows, NamesTheFiles) {
                  {.id = u"2", .source = u"b", .fileId = 1},
                  {.id = u"3", .source = u"c", .fileId = 3},
                  {.id = u"4", .source = u"d", .fileId = 1}});
+    RecordingExport exporter;  // a new export asks anew
     const auto names = [&](std::int32_t options) {
-        RecordingExport exporter;
         // A name is asked for once: a change behind the first row's back shows that.
         exporter.afterRow = [&] {
             if (exporter.rows.size() == 2) {
@@ -337,6 +339,31 @@ TEST(OpenOutput, HeadOfAFailedExportIsReleasedLater) {
     EXPECT_TRUE(first.released);
     // The colour table starts anew with each file.
     EXPECT_EQ(second.pieces.at(0).find(u"\\blue255;}"), first.pieces.at(0).find(u"\\blue255;}"));
+}
+
+// What the abandoned file still holds in its buffer must not end up in the next one.
+TEST(OpenOutput, SamePathAfterAFailedExport) {
+    TestProject project(1036);
+    project.Add({{.id = u"1", .source = u"s"}});
+    const auto path = std::filesystem::temp_directory_path() /
+                      ("extview-output-" + std::to_string(getpid()) + ".rtf");
+    const auto run = [&](CExternalViewRTFExport& exporter, std::int32_t language) {
+        return exporter.RunExport(project.database(), path.u16string(), 0, language, 0, u"", {});
+    };
+    const auto bytes = [&] {
+        std::ifstream file(path, std::ios::binary);
+        return std::string{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    };
+    CExternalViewRTFExport fresh;
+    EXPECT_EQ(run(fresh, 1036), S_OK);
+    const std::string expected = bytes();
+    CExternalViewRTFExport exporter;
+    exporter.sourceFont.assign(expected.size(), u'x');  // a head longer than the whole file
+    EXPECT_EQ(run(exporter, 1031), everrInvalidQuery);
+    exporter.sourceFont = fresh.sourceFont;
+    EXPECT_EQ(run(exporter, 1036), S_OK);
+    EXPECT_EQ(bytes(), expected);
+    std::filesystem::remove(path);
 }
 
 TEST(OpenOutput, FailedWritesAreNotLookedAt) {
