@@ -23,7 +23,10 @@ test: build
 	ctest --test-dir $(BUILD) --output-on-failure -j 2
 
 bench: build
-	tools/run_benchmarks.sh $(BUILD)
+	@for program in $(BUILD)/bench/*-bench; do $$program || exit 1; done
+
+fuzz:
+	$(MAKE) build PRESET=fuzz
 
 format:
 	git ls-files '*.h' '*.cpp' | grep -v 'src/text/tables/' | xargs clang-format -i

@@ -17,6 +17,10 @@ if(GENERALUTILITIES_SANITIZE)
   add_link_options(-fsanitize=${GENERALUTILITIES_SANITIZE})
 endif()
 
+if(GENERALUTILITIES_FUZZ)
+  add_compile_options(-fsanitize=fuzzer-no-link)
+endif()
+
 if(GENERALUTILITIES_COVERAGE)
   add_compile_options(--coverage)
   add_link_options(--coverage)

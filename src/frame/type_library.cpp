@@ -14,6 +14,8 @@ template <class... Cases>
 struct Overloaded : Cases... {
     using Cases::operator()...;
 };
+template <class... Cases>
+Overloaded(Cases...) -> Overloaded<Cases...>;
 
 /// Gives a text out as a BSTR unless the caller does not want it. An absent text is a null BSTR.
 HRESULT GiveText(std::u16string_view text, BSTR* out) {

@@ -1,0 +1,1 @@
+generalutilities_fuzz(registry LINK gu-registry)
