@@ -157,6 +157,8 @@ class Translator {
         }
         if (IsWordAt(i, "FROM")) {
             FindTable(i);
+        } else if (IsWordAt(i, "ORDER")) {
+            translation.isOrdered = true;
         } else if (IsWordAt(i, "DISTINCT") || IsWordAt(i, "GROUP") || IsWordAt(i, "HAVING") ||
                    IsWordAt(i, "UNION") || IsWordAt(i, "INTERSECT") || IsWordAt(i, "EXCEPT") ||
                    IsWordAt(i, "LIMIT")) {

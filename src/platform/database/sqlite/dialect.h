@@ -28,6 +28,7 @@ struct Translation {
     /// the table's name, and where in `text` its FROM begins. Otherwise the name is empty.
     std::string table;
     std::size_t fromOffset = 0;
+    bool isOrdered = false;         ///< the SELECT itself has an ORDER BY
     bool ordersByPosition = false;  ///< ORDER BY or GROUP BY holds a number
 };
 

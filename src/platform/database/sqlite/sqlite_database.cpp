@@ -163,8 +163,12 @@ SqliteDatabase::QueryPlan SqliteDatabase::MakePlan(const Statement& select,
             keysAlone = false;
         }
     }
-    const std::string tail = query.text.substr(query.fromOffset);
-    plan.keysSql = "SELECT " + shape->rowId + tail;
+    std::string tail = query.text.substr(query.fromOffset);
+    if (!query.isOrdered) {
+        // Not in the order of whatever index happens to hold all that the keys need.
+        tail += " ORDER BY " + shape->rowId;
+    }
+    plan.keysSql = "SELECT " + shape->rowId + " " + tail;
     if (!keysAlone || !connection->TryPrepare(plan.keysSql)) {
         plan.keyColumn = static_cast<int>(shape->fields.size());
         plan.keysSql = query.text.substr(0, query.fromOffset) + ", " + shape->rowId + " " + tail;

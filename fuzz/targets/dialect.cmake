@@ -1,0 +1,1 @@
+generalutilities_fuzz(dialect LINK gu-database gu-files)
