@@ -5,8 +5,8 @@
 namespace generalutilities::cli {
 
 /// While it lives, SIGINT, SIGTERM and SIGHUP wait for the work to reach a place where it can stop:
-/// the work asks by `ThrowIfCalled`, what it has begun is undone on the way out, and then the signal
-/// ends the program after all. One object at a time.
+/// the work asks by `ThrowIfCalled`, what it has begun is undone on the way out, and then the
+/// signal ends the program after all. One object at a time.
 class Interruption {
   public:
     Interruption();

@@ -60,8 +60,9 @@ InputKind KindOf(const std::string& path, const std::string& kind) {
     if (ending == ".pot") {
         return InputKind::Template;
     }
-    throw UsageError(path + ": the ending tells no kind of input; .csv, .tsv, .po and .pot do, or "
-                            "say it with --as");
+    throw UsageError(path +
+                     ": the ending tells no kind of input; .csv, .tsv, .po and .pot do, or "
+                     "say it with --as");
 }
 
 /// The texts of an input; each kind of input has its own usual form.
@@ -77,8 +78,8 @@ TextForm FormOf(const CreateCommandOptions& options, TextForm usual) {
 char DelimiterOf(const CreateCommandOptions& options, const std::string& path) {
     if (options.delimiter == "auto") {
         const std::string ending = EndingOf(path);
-        const bool tabs = options.kind == "auto" ? ending == ".tsv" || ending == ".tab"
-                                                 : options.kind == "tsv";
+        const bool tabs =
+            options.kind == "auto" ? ending == ".tsv" || ending == ".tab" : options.kind == "tsv";
         return tabs ? '\t' : ',';
     }
     const std::pair<std::string_view, char> names[] = {
@@ -223,9 +224,10 @@ void AddProjectCreateCommand(CLI::App& project, CommandContext& context) {
         project.add_subcommand("create", "Make a project of tables (CSV, TSV) and catalogues (PO)");
     command->add_option("PROJECT", options->project, "The project file to create")->required();
     command
-        ->add_option("INPUT", options->inputs,
-                     "Tables, one catalogue a language (as fr=FILE where neither its header nor its "
-                     "name tells the language), a template (.pot)")
+        ->add_option(
+            "INPUT", options->inputs,
+            "Tables, one catalogue a language (as fr=FILE where neither its header nor its "
+            "name tells the language), a template (.pot)")
         ->type_name("FILE");
     command->add_option("--source,-s", options->sourceLanguage, "The language of the sources")
         ->capture_default_str()
@@ -268,7 +270,8 @@ void AddProjectCreateCommand(CLI::App& project, CommandContext& context) {
     command->add_flag("--files-by-reference", options->filesByReference,
                       "A message belongs to the program file of its first reference");
     command->add_flag("--force", options->force, "Replace a file of that name");
-    command->add_flag("--json", options->asJson, "The summary as JSON, \"genutil.project-create/1\"");
+    command->add_flag("--json", options->asJson,
+                      "The summary as JSON, \"genutil.project-create/1\"");
     AddProgressOption(command, options->progress);
     command->footer(
         "A table has a heading row. Its columns, in any order:\n"

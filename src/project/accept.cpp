@@ -6,9 +6,9 @@
 #include <generalutilities/extview/segment_text.h>
 #include <generalutilities/project/accept.h>
 #include <generalutilities/project/contents.h>
+#include <generalutilities/project/line_ends.h>
 
 #include "platform/files/utf8.h"
-#include "project/line_ends.h"
 #include "project/project_access.h"
 
 #include <algorithm>
@@ -74,6 +74,11 @@ class ReimportedRows {
 bool HasNewTarget(const ReimportedRow& row) {
     return row.targetHasChanged &&
            !EqualButForLineEnds(row.target, StripCodeMarkers(row.existingTarget));
+}
+
+/// Whether a row's new target is the stored one already.
+bool IsTakenOver(const ReimportedRow& row, std::u16string_view storedTarget) {
+    return HasNewTarget(row) && EqualButForLineEnds(row.target, StripCodeMarkers(storedTarget));
 }
 
 /// The identifiers that `AcceptOptions` chooses, and which of them were met.
@@ -180,7 +185,8 @@ class Acceptance {
         }
         const bool newTarget = HasNewTarget(row);
         const bool changedSince = row.existingTarget != storedTarget;
-        if (IsThereAlready(row, storedTarget, newTarget) ||
+        // Taken over before: by an equal row of this walk, or by an earlier one.
+        if (taken.contains(std::u16string(row.id)) || IsTakenOver(row, storedTarget) ||
             (!newTarget && !newComments &&
              (changedSince || row.status == pairs.Long(statusField)))) {
             result.outcome = AcceptOutcome::Unchanged;
@@ -217,14 +223,6 @@ class Acceptance {
         summary.codesDiffer += result.codes.empty() ? 0 : 1;
         summary.sourceEdited += result.sourceEdited ? 1 : 0;
         report(result);
-    }
-
-    /// Whether the row's target was taken over before: by an equal row of this walk, or by an
-    /// earlier one.
-    bool IsThereAlready(const ReimportedRow& row, std::u16string_view storedTarget,
-                        bool newTarget) const {
-        return taken.contains(std::u16string(row.id)) ||
-               (newTarget && EqualButForLineEnds(row.target, StripCodeMarkers(storedTarget)));
     }
 
     /// Makes the target to store of the returned one; gives the reason why that cannot be.
@@ -314,7 +312,8 @@ std::optional<std::int32_t> LanguageOfReimport(Database& database) {
         const ReimportedRow row = rows.Row();
         if (pairs.Seek(row.id)) {
             std::erase_if(candidates, [&](const auto& candidate) {
-                return pairs.Text(candidate.second) != row.existingTarget;
+                const std::u16string_view stored = pairs.Text(candidate.second);
+                return stored != row.existingTarget && !IsTakenOver(row, stored);
             });
         }
     }

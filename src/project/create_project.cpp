@@ -56,16 +56,22 @@ TableDefinition PairsTable(const std::vector<std::int32_t>& languages) {
     return table;
 }
 
-/// The languages of all sources, each once, in the order of their first appearance.
-std::vector<std::int32_t> AllLanguages(const std::vector<std::unique_ptr<RowSource>>& sources) {
+/// The languages of all sources and those behind them, each once, in the order of their first
+/// appearance.
+std::vector<std::int32_t> AllLanguages(const std::vector<std::unique_ptr<RowSource>>& sources,
+                                       const std::vector<std::int32_t>& moreLanguages) {
     std::vector<std::int32_t> languages;
-    for (const auto& source : sources) {
-        for (const std::int32_t langId : source->Languages()) {
+    const auto add = [&languages](const std::vector<std::int32_t>& list) {
+        for (const std::int32_t langId : list) {
             if (std::find(languages.begin(), languages.end(), langId) == languages.end()) {
                 languages.push_back(langId);
             }
         }
+    };
+    for (const auto& source : sources) {
+        add(source->Languages());
     }
+    add(moreLanguages);
     if (languages.empty()) {
         throw Error(E_INVALIDARG, "a project needs at least one target language");
     }
@@ -264,7 +270,7 @@ class Percent {
 CreateResult Fill(Database& database, const std::vector<std::unique_ptr<RowSource>>& sources,
                   const CreateOptions& options) {
     CreateResult result;
-    result.languages = AllLanguages(sources);
+    result.languages = AllLanguages(sources, options.moreLanguages);
     std::uint64_t rowsAtMost = 0;
     for (const auto& source : sources) {
         rowsAtMost += source->RowsAtMost();

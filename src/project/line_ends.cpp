@@ -1,4 +1,4 @@
-#include "project/line_ends.h"
+#include <generalutilities/project/line_ends.h>
 
 namespace generalutilities {
 namespace {
@@ -30,17 +30,6 @@ std::u16string_view LineEndOf(std::u16string_view text) {
 }
 
 }  // namespace
-
-std::u16string WithPlainLineEnds(std::u16string_view text) {
-    std::u16string plain;
-    plain.reserve(text.size());
-    for (std::size_t i = 0; i < text.size();) {
-        const std::size_t length = LineEndLength(text, i);
-        plain += length > 0 ? u'\n' : text[i];
-        i += length > 0 ? length : 1;
-    }
-    return plain;
-}
 
 bool EqualButForLineEnds(std::u16string_view a, std::u16string_view b) {
     std::size_t i = 0;

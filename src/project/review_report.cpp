@@ -4,11 +4,11 @@
 #include <generalutilities/error.h>
 #include <generalutilities/extview/export_options.h>
 #include <generalutilities/extview/segment_text.h>
+#include <generalutilities/project/line_ends.h>
 #include <generalutilities/project/review_report.h>
 
 #include "extview/rtf/rtf_import.h"
 #include "platform/files/utf8.h"
-#include "project/line_ends.h"
 #include "project/project_access.h"
 
 #include <algorithm>
@@ -24,26 +24,36 @@ constexpr std::size_t CellsWithStatus = 5;
 /// The project's rows by identifier.
 class StoredRows {
   public:
-    StoredRows(Database& database, std::int32_t langId)
-        : pairs(database, u"Pairs", RecordsetType::Table),
+    StoredRows(Database& opened, std::int32_t langId)
+        : database(opened),
+          pairs(opened, u"Pairs", RecordsetType::Table),
           source(pairs.Field(u"Source")),
           target(pairs.Field(LanguageColumn(u"Target", langId))),
           comments(pairs.Field(LanguageColumn(u"Comments", langId))),
-          status(pairs.Field(LanguageColumn(u"Status", langId))) {}
+          status(pairs.Field(LanguageColumn(u"Status", langId))),
+          fileId(pairs.Field(u"FileID")) {}
 
     bool Find(std::u16string_view id) { return pairs.Seek(id); }
     std::u16string Source() { return StripCodeMarkers(pairs.Text(source)); }
     std::u16string Target() { return StripCodeMarkers(pairs.Text(target)); }
     std::u16string Comments() { return std::u16string(pairs.Text(comments)); }
     std::int32_t Status() { return pairs.Long(status); }
+    bool IsLexicon() { return pairs.Long(fileId) == Lexicon; }
     std::uint64_t Count() { return pairs.Count(); }
+    std::uint64_t CountOfLexicon() {
+        return TableReader(database, u"SELECT ID FROM Pairs WHERE FileID = -1",
+                           RecordsetType::Dynaset)
+            .Count();
+    }
 
   private:
+    Database& database;
     TableReader pairs;
     int source;
     int target;
     int comments;
     int status;
+    int fileId;
 };
 
 class ReportWalk {
@@ -79,8 +89,7 @@ class ReportWalk {
             ReadRow(file.Cells());
         }
         file.CloseFile();
-        const std::uint64_t storedRows = stored.Count();
-        summary.notInFile = storedRows - std::min(storedRows, knownRows);
+        CountMissing();
         return summary;
     }
 
@@ -95,6 +104,18 @@ class ReportWalk {
                         name +
                             ": is no RTF table with a heading row, a font table and a style "
                             "sheet; save the reviewed document as RTF");
+        }
+    }
+
+    /// A file holds segments, or the lexicon, or both: what it holds none of was not exported.
+    void CountMissing() {
+        const std::uint64_t lexicon = stored.CountOfLexicon();
+        const std::uint64_t segments = stored.Count() - std::min(lexicon, stored.Count());
+        if (knownLexicon == 0 || knownSegments > 0) {
+            summary.notInFile += segments - std::min(segments, knownSegments);
+        }
+        if (knownLexicon > 0) {
+            summary.notInFile += lexicon - std::min(lexicon, knownLexicon);
         }
     }
 
@@ -169,7 +190,7 @@ class ReportWalk {
             row(reviewed);
             return;
         }
-        knownRows += isNew ? 1 : 0;
+        (stored.IsLexicon() ? knownLexicon : knownSegments) += isNew ? 1 : 0;
         const std::u16string source = stored.Source();
         const std::u16string target = stored.Target();
         const std::u16string storedComments = stored.Comments();
@@ -223,7 +244,8 @@ class ReportWalk {
     const std::function<void(int)>& percent;
     ReviewSummary summary;
     std::unordered_map<std::u16string, std::uint64_t> firstRows;
-    std::uint64_t knownRows = 0;
+    std::uint64_t knownSegments = 0;
+    std::uint64_t knownLexicon = 0;
     bool stopped = false;  ///< an import has stopped reading
     std::u16string comments;
     std::int32_t status = -1;

@@ -218,10 +218,12 @@ TEST_F(Accept, ChangesAllOrNothing) {
 
 TEST_F(Accept, KnowsTheLanguageOfTheImport) {
     Edit("Pareil", "Identique");
-    Import();
-    EXPECT_EQ(LanguageOfReimport(*project), 1036);
     Import(1031);
     EXPECT_EQ(LanguageOfReimport(*project), 1031);
+    Import();
+    EXPECT_EQ(LanguageOfReimport(*project), 1036);
+    Run();
+    EXPECT_EQ(LanguageOfReimport(*project), 1036) << "also when it has been taken over";
     AcceptOptions options;
     options.langId = 1041;
     EXPECT_NE(ErrorOf([&] { AcceptReimportedRows(*project, options, [](const AcceptedRow&) {}); }),

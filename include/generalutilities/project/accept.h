@@ -32,7 +32,8 @@ struct ReimportedRow {
 void ReadReimportedRows(Database& database, const std::function<void(const ReimportedRow&)>& row);
 
 /// The language of the latest import, as far as the rows tell: the project's only language, or the
-/// only one whose targets are those that the import found. Nothing when several would do.
+/// only one whose targets are those that the import found or brought. Nothing when several would
+/// do.
 std::optional<std::int32_t> LanguageOfReimport(Database& database);
 
 struct AcceptOptions {

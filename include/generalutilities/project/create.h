@@ -46,6 +46,8 @@ class RowSource {
 
 struct CreateOptions {
     std::int32_t sourceLanguage = 1033;
+    /// Target languages besides those of the sources; their columns are empty.
+    std::vector<std::int32_t> moreLanguages;
     bool replaceExisting = false;
     /// Called now and then with 0 to 100.
     std::function<void(int percent)> progress;
@@ -60,7 +62,7 @@ struct CreateResult {
 };
 
 /// Creates the project file at `path` with the rows of all sources, one source after the other. The
-/// languages of the project are those of all sources.
+/// languages of the project are those of all sources, and `moreLanguages`.
 ///
 /// Identifiers are the rows' own, or numbers padded with zeros so that the order of the texts is
 /// the order of the rows; the two do not mix, and no identifier may stand twice. `Source2Index` is

@@ -65,7 +65,7 @@ struct ReviewSummary {
     std::uint64_t lockedChanged = 0;
     std::uint64_t repeatedIds = 0;  ///< rows whose identifier stood in an earlier row
     std::uint64_t codesDiffer = 0;  ///< rows with a new difference in codes
-    std::uint64_t notInFile = 0;    ///< rows of the project that the file does not hold
+    std::uint64_t notInFile = 0;    ///< segments (or lexicon rows) that the file lacks
     bool endsInsideRow = false;     ///< the end of the file is missing
     /// How many rows an import of this file stores.
     std::uint64_t RowsToStore() const { return unchanged + lineEndsOnly + changed; }

@@ -7,9 +7,6 @@
 /// the same paragraph mark, and all come back as CR LF.
 namespace generalutilities {
 
-/// Each CR LF and each CR becomes an LF.
-std::u16string WithPlainLineEnds(std::u16string_view text);
-
 /// Whether two texts are equal but for the form of their line ends.
 bool EqualButForLineEnds(std::u16string_view a, std::u16string_view b);
 
