@@ -174,6 +174,16 @@ TEST(RtfImport, ProgressIsToldWhenThePercentChanges) {
         EXPECT_TRUE(std::is_sorted(progress.percents.begin(), progress.percents.end(),
                                    std::less_equal<>()));
     }
+    // The first value counts as a change for each import.
+    progress.percents.clear();
+    Import heading(Head + Heading + "}");
+    heading.SetSource(u"", 1036);
+    heading.SetProgress(&progress);
+    for (int round = 0; round < 2; ++round) {
+        ASSERT_TRUE(heading.OpenFile());
+        EXPECT_TRUE(heading.ReadHeader());
+    }
+    EXPECT_EQ(progress.percents.size(), 2u);
 }
 
 }  // namespace

@@ -52,7 +52,9 @@ const std::string Sample =
     "A;}\r\n"
     "{\\f1\\fnil\\fcharset238{\\*\\falt \\}b}B CE;}{\\f2\\fcharset128 C;}}\n{\\colortbl;\\red0;}"
     "{\\*\\generator x;}{\\stylesheet{\\ql \\snext0 Normal;}{\\s1 \\f1 One;}{\\*\\cs10 Code;}\n"
-    "{\\*\r\n\\cs11 More\\\\;}}\n\\pard\\cs10\\ql \\trowd\\cellx860{\\pard\\intbl{\\fs18\\loch\\f0 "
+    "{\\*\r\n\\cs11 More\\\\;}}\n\\pard\\cs10\\ql \\trowd"
+    "\\trgaph108\\clbrdrt\\brdrs\\brdrw1\\brdrcf10\\clbrdrl\\brdrs\\brdrw1 "
+    "\\brdrcf10\\clbrdrb\\brdrs\\cellx860{\\pard\\intbl{\\fs18\\loch\\f0 "
     "ID}\n\\cell\\pard {\\f1\\lang1029 \\'f8\\'E8\\'e}x}\\cell {\\uc2\\u-3913\\'82\\'a0\\u233 "
     "??\\par \\tab\\_\\~a\\-\\:b\\{\\\\\\}}\\cell {\\*\\bkmkstart {a}\\}\\'7d}{\\f2\\'83\\'65"
     "\\'83\\'58}\xE9\\lquote\\rdblquote  \\averylongcontrolword123 \\row}}\n}";
@@ -131,6 +133,8 @@ TEST(RtfRobustness, RandomPieces) {
                             "\\cs4 name;",
                             "\\b0",
                             "\\widctlpar\\fs18 ",
+                            "\\trowd\\trgaph108\\trleft0\\clbrdrt\\brdrs\\brdrw1 \\brdrcf10",
+                            "\\widctlpar\\aspalpha\\adjustright\\lin0",
                             "\\uc-1",
                             "\\u99999999999 ",
                             "\\'83\\'65",

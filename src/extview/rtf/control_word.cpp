@@ -3,6 +3,8 @@
 #include "extview/rtf/byte_scan.h"
 
 #include <algorithm>
+#include <array>
+#include <iterator>
 #include <limits>
 
 namespace generalutilities::rtf {
@@ -103,41 +105,59 @@ struct MeaningRow {
     WordMeaning meaning;
 };
 
+/// In the order of their lengths.
 constexpr MeaningRow Meanings[] = {
     {"u", {WordKind::Unicode}},
     {"f", {WordKind::Font}},
     {"s", {WordKind::Style}},
     {"v", {WordKind::Inert}},
     {"*", {WordKind::Destination}},
-    {"uc", {WordKind::FallbackCount}},
     {"af", {WordKind::Font}},
+    {"uc", {WordKind::FallbackCount}},
     {"cs", {WordKind::Style}},
     {"ds", {WordKind::Style}},
     {"ts", {WordKind::Style}},
-    {"plain", {WordKind::Inert}},
     {"par", {WordKind::Characters, u"\r\n"}},
-    {"line", {WordKind::Characters, u"\n"}},
     {"tab", {WordKind::Characters, u"\t"}},
+    {"zwj", {WordKind::Characters, u"\u200D"}},
+    {"line", {WordKind::Characters, u"\n"}},
+    {"zwbo", {WordKind::Characters, u"\u200B"}},
+    {"zwnj", {WordKind::Characters, u"\u200C"}},
+    {"plain", {WordKind::Inert}},
+    {"zwnbo", {WordKind::Characters, u"\uFEFF"}},
     {"lquote", {WordKind::Characters, u"\u2018"}},
     {"rquote", {WordKind::Characters, u"\u2019"}},
-    {"ldblquote", {WordKind::Characters, u"\u201C"}},
-    {"rdblquote", {WordKind::Characters, u"\u201D"}},
     {"bullet", {WordKind::Characters, u"\u2022"}},
     {"endash", {WordKind::Characters, u"\u2013"}},
     {"emdash", {WordKind::Characters, u"\u2014"}},
-    {"zwbo", {WordKind::Characters, u"\u200B"}},
-    {"zwnbo", {WordKind::Characters, u"\uFEFF"}},
-    {"zwj", {WordKind::Characters, u"\u200D"}},
-    {"zwnj", {WordKind::Characters, u"\u200C"}},
+    {"ldblquote", {WordKind::Characters, u"\u201C"}},
+    {"rdblquote", {WordKind::Characters, u"\u201D"}},
 };
+constexpr std::size_t LongestMeaning = 9;
+
+/// Where the words of each length begin in the table.
+constexpr auto FirstOfLength = [] {
+    std::array<std::uint8_t, LongestMeaning + 2> first{};
+    std::size_t row = 0;
+    for (std::size_t length = 0; length < first.size(); ++length) {
+        while (row < std::size(Meanings) && Meanings[row].name.size() < length) {
+            ++row;
+        }
+        first[length] = static_cast<std::uint8_t>(row);
+    }
+    return first;
+}();
+static_assert(FirstOfLength.back() == std::size(Meanings));
 
 }  // namespace
 
 WordMeaning MeaningOf(std::string_view name) {
-    for (const MeaningRow& row : Meanings) {
-        if (row.name.size() == name.size() && row.name.front() == name.front() &&
-            row.name == name) {
-            return row.meaning;
+    if (name.size() <= LongestMeaning) {
+        const std::size_t end = FirstOfLength[name.size() + 1];
+        for (std::size_t row = FirstOfLength[name.size()]; row < end; ++row) {
+            if (Meanings[row].name.front() == name.front() && Meanings[row].name == name) {
+                return Meanings[row].meaning;
+            }
         }
     }
     return {};

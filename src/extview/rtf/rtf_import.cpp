@@ -85,8 +85,13 @@ std::int32_t CRTFImport::StatusOf(std::u16string_view cell) {
     return static_cast<std::int32_t>(value);
 }
 
-bool CRTFImport::OnText(std::u16string_view text, std::uint32_t, std::uint32_t) {
-    cells[cellCount - 1].append(text);
+bool CRTFImport::OnText(std::u16string& text, std::uint32_t, std::uint32_t) {
+    std::u16string& cell = cells[cellCount - 1];
+    if (cell.empty()) {
+        cell.swap(text);
+    } else {
+        cell.append(text);
+    }
     return true;
 }
 

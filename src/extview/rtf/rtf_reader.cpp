@@ -5,6 +5,7 @@
 #include "extview/rtf/rtf_reader.h"
 
 #include "extview/rtf/byte_scan.h"
+#include "extview/rtf/word_block.h"
 #include "platform/code_pages/code_pages.h"
 
 #include <algorithm>
@@ -34,7 +35,7 @@ int HexValue(char digit) {
 CRTFReader::CRTFReader() = default;
 CRTFReader::~CRTFReader() = default;
 
-bool CRTFReader::OnText(std::u16string_view, std::uint32_t, std::uint32_t) {
+bool CRTFReader::OnText(std::u16string&, std::uint32_t, std::uint32_t) {
     return true;
 }
 bool CRTFReader::OnCodes(std::uint32_t, std::uint32_t, bool) {
@@ -117,13 +118,21 @@ bool CRTFReader::Parse() {
 }
 
 /// The length of the control words at the start of the bytes that mean nothing to anybody here.
-/// Most of a table is such words, many in succession, and a code run steps over them.
 std::uint32_t CRTFReader::MeaninglessWords(std::string_view bytes) const {
+    constexpr int ShortSuccession = 4;
     std::size_t length = 0;
     rtf::WordShape shape;
-    while (length < bytes.size() && bytes[length] == '\\' &&
-           rtf::MeasureWord(bytes.substr(length + 1), shape) && shape.nameLength > 0 &&
-           !controlWords.MayMatter(bytes.substr(length + 1, shape.nameLength))) {
+    for (int count = 0; length < bytes.size() && bytes[length] == '\\'; ++count) {
+        const std::string_view word(bytes.data() + length + 1, bytes.size() - length - 1);
+        if (count == ShortSuccession) {
+            length += rtf::MeaninglessLength({bytes.data() + length, bytes.size() - length},
+                                             controlWords);
+            continue;
+        }
+        if (!rtf::MeasureWord(word, shape) ||
+            controlWords.MayMatter({word.data(), shape.nameLength})) {
+            break;
+        }
         length += 1 + shape.end;
     }
     return static_cast<std::uint32_t>(length);

@@ -63,8 +63,9 @@ class CRTFReader {
     }
 
   protected:
-    /// A text run has ended. `start` is where it began, `end` the parser's position.
-    virtual bool OnText(std::u16string_view text, std::uint32_t start, std::uint32_t end);
+    /// A text run has ended. `start` is where it began, `end` the parser's position. The string is
+    /// the reader's work string: the derived class may change it, or take it and leave another.
+    virtual bool OnText(std::u16string& text, std::uint32_t start, std::uint32_t end);
     /// A code run has ended. `sawControlWord` tells whether a reported word was in it.
     virtual bool OnCodes(std::uint32_t start, std::uint32_t end, bool sawControlWord);
     /// A word of `controlWords` was met.

@@ -87,7 +87,9 @@ void ReadFontTable(std::string_view table, FontCodePages& fontCodePages) {
             }
             behind = found + CharacterSet.size();
             if (const auto characterSet = ReadNumber(table, behind)) {
-                fontCodePages[*font] = CodePageOfCharacterSet(*characterSet);
+                // Tables are mostly in order, and the end is then where the next entry belongs.
+                fontCodePages.insert_or_assign(fontCodePages.end(), *font,
+                                               CodePageOfCharacterSet(*characterSet));
             }
         }
         offset = table.find(';', found);
@@ -120,7 +122,7 @@ void ReadStyleSheet(std::string_view sheet, StyleNames& styleNames) {
             const std::size_t blank = before.find_last_of(" \r\n");
             name = blank == Npos ? before : before.substr(blank + 1);
         }
-        styleNames.try_emplace(*number, name);
+        styleNames.try_emplace(styleNames.end(), *number, name);
     }
 }
 
