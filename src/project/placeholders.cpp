@@ -92,7 +92,7 @@ bool SkipTag(Cursor& at) {
 
 }  // namespace
 
-std::size_t PlaceholderLength(std::u16string_view text, std::size_t position) {
+std::size_t ProgramPlaceholderLength(std::u16string_view text, std::size_t position) {
     Cursor at(text, position);
     bool found = false;
     if (at.Take(u'%')) {

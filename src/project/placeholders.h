@@ -11,6 +11,6 @@ namespace generalutilities {
 /// "100 % der" is none, and "%%" is text), names and numbers in braces ("{0}", "{name!r:>8}",
 /// "{{name}}"), and tags ("<b>", "</b>", "<a href='x'>", "<br/>"). Each test looks at a stretch
 /// that no other placeholder can start in, so that walking a text is linear.
-std::size_t PlaceholderLength(std::u16string_view text, std::size_t position);
+std::size_t ProgramPlaceholderLength(std::u16string_view text, std::size_t position);
 
 }  // namespace generalutilities

@@ -24,7 +24,7 @@ void CutAtPlaceholders(std::u16string_view text, Literal literal, Placeholder pl
     std::size_t literalFirst = 0;
     std::size_t position = 0;
     while (position < text.size()) {
-        const std::size_t length = PlaceholderLength(text, position);
+        const std::size_t length = ProgramPlaceholderLength(text, position);
         if (length == 0) {
             ++position;
             continue;

@@ -12,7 +12,7 @@ namespace {
 std::vector<std::u16string> PlaceholdersOf(std::u16string_view text) {
     std::vector<std::u16string> found;
     for (std::size_t i = 0; i < text.size();) {
-        const std::size_t length = PlaceholderLength(text, i);
+        const std::size_t length = ProgramPlaceholderLength(text, i);
         if (length > 0) {
             found.emplace_back(text.substr(i, length));
         }
