@@ -1,22 +1,16 @@
 #include "application.h"
 
 #include "command.h"
+#include "commands/accept_command.h"
 #include "commands/classes_command.h"
 #include "commands/export_command.h"
 #include "commands/import_command.h"
+#include "commands/project_command.h"
 #include "commands/register_command.h"
+#include "commands/review_command.h"
 #include "commands/text_command.h"
 #include "failure.h"
 #include "unicode.h"
-#if __has_include("commands/project_command.h")
-#include "commands/project_command.h"
-#endif
-#if __has_include("commands/review_command.h")
-#include "commands/review_command.h"
-#endif
-#if __has_include("commands/accept_command.h")
-#include "commands/accept_command.h"
-#endif
 
 #include <cstdio>
 #include <new>
@@ -40,17 +34,11 @@ The usual road, from a gettext catalogue to a reviewer and back:
 `genutil COMMAND --help` tells all about a command.)";
 
 void AddCommands(CLI::App& app, CommandContext& context) {
-#if __has_include("commands/project_command.h")
     AddProjectCommand(app, context);
-#endif
     AddExportCommand(app, context);
     AddImportCommand(app, context);
-#if __has_include("commands/review_command.h")
     AddReviewCommand(app, context);
-#endif
-#if __has_include("commands/accept_command.h")
     AddAcceptCommand(app, context);
-#endif
     AddTextCommand(app, context);
     AddClassesCommand(app, context);
     AddRegisterCommands(app, context);

@@ -254,7 +254,8 @@ def main():
         sys.exit(f"{sys.argv[1]}: expected a table of {COLUMNS} columns and 8 rows or more")
     done = review(rows, language)
     write_document(sys.argv[2], [heading, *rows], language)
-    print("; ".join(done))
+    for edit in done:
+        print("  " + edit)
 
 
 if __name__ == "__main__":

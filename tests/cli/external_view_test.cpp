@@ -261,6 +261,22 @@ TEST_F(ExternalView, ReportsWhatBecameOfEveryRow) {
     }
 }
 
+TEST_F(ExternalView, TakesOverWhatTheReviewerChanged) {
+    ExportAndEdit({{"Chapitre 1", "Premier chapitre"}, {"Ligne verrouill", "Rang verrouill"}});
+    EXPECT_EQ(Genutil({"review", project, "-l", "fr-FR"}).exitCode, 3);  // nothing was imported
+    ASSERT_EQ(Import().exitCode, 0);
+    const json review = json::parse(Genutil({"review", project, "-l", "fr-FR", "--json"}).output);
+    ASSERT_EQ(review["rows"].size(), 2U);
+    EXPECT_EQ(review["rows"][1]["id"], "A3");
+    EXPECT_EQ(review["rows"][1]["newTarget"], "Premier chapitre");
+
+    const Result accepted = Genutil({"accept", project, "-l", "fr-FR"});
+    EXPECT_EQ(accepted.exitCode, 0) << accepted.error;
+    const std::string rows = Genutil({"project", "rows", project, "-l", "fr-FR"}).output;
+    EXPECT_THAT(rows, HasSubstr("Premier chapitre"));
+    EXPECT_THAT(rows, Not(HasSubstr("Rang verrouill")));
+}
+
 TEST_F(ExternalView, WritesTheReportWhereItIsWanted) {
     ASSERT_EQ(Export().exitCode, 0);
     const std::string report = folder / "report.html";
@@ -343,6 +359,52 @@ TEST_F(ExternalView, ChangesNothingInAProjectThatCannotBeWritten) {
     EXPECT_EQ(unique.exitCode, 3);
     EXPECT_THAT(unique.error, HasSubstr("duplicates cannot be marked"));
     EXPECT_EQ(Export({"--force"}).exitCode, 0);
+}
+
+/// The sample of the demonstration, rewritten the way a word processor writes: every script comes
+/// home, and exactly the reviewer's edits are found.
+TEST(WordProcessor, ReviewedTablesComeHomeInEveryScript) {
+    const TemporaryFolder folder;
+    const std::string demo = DEMO_FOLDER;
+    const std::string project = folder / "sample.project";
+    std::vector<std::string> create{"project", "create", project, "--codes",
+                                    demo + "/handbook.csv"};
+    for (const auto& catalog : std::filesystem::directory_iterator(demo + "/po")) {
+        create.push_back(catalog.path().string());
+    }
+    const Result created = Genutil(create);
+    ASSERT_EQ(created.exitCode, 0) << created.error;
+
+    // Chapters 1 and 2, the two "Cancel", and the two rows about Ctrl+S, whose codes hide tags.
+    const Result unique = Genutil({"export", project, "-o", folder / "unique.rtf", "-l", "fr-FR",
+                                   "--unique-pairs", "--json"});
+    EXPECT_EQ(json::parse(unique.output)["duplicatesLeftOut"], 3);
+
+    for (const std::string language : {"fr-FR", "de-DE", "ru-RU", "el-GR", "ar-SA", "he-IL",
+                                       "ja-JP", "zh-CN", "hi-IN", "th-TH"}) {
+        const std::string exported = folder / (language + ".rtf");
+        const std::string reviewed = folder / (language + "-reviewed.rtf");
+        ASSERT_EQ(Genutil({"export", project, "-o", exported, "-l", language, "--status-column",
+                           "--status-value"})
+                      .exitCode,
+                  0);
+        const Result edited =
+            cli_test::Run(demo + "/edit_like_a_word_processor.py", {exported, reviewed, language});
+        ASSERT_EQ(edited.exitCode, 0) << edited.error;
+        const Result result = Genutil({"import", project, reviewed, "-l", language, "--json"});
+        EXPECT_EQ(result.exitCode, 1) << result.error;
+        const json summary = json::parse(result.output)["summary"];
+        // Hindi and Thai have two open rows; the reviewer fills the one with a line end.
+        const bool hadOpenRows = language == "hi-IN" || language == "th-TH";
+        EXPECT_EQ(summary["rows"], 20) << language;
+        EXPECT_EQ(summary["changed"], hadOpenRows ? 5 : 4) << language;
+        EXPECT_EQ(summary["unchanged"], 14) << language;
+        EXPECT_EQ(summary["lineEndsOnly"], hadOpenRows ? 0 : 1) << language;
+        EXPECT_EQ(summary["unknownIds"], 1) << language;
+        EXPECT_EQ(summary["commentsChanged"], 2) << language;
+        EXPECT_EQ(summary["lockedChanged"], 1) << language;
+        EXPECT_EQ(summary["codesDiffer"], 1) << language;
+    }
 }
 
 }  // namespace
