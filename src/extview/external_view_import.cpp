@@ -5,6 +5,7 @@
 
 #include "extview/dao_table_builder.h"
 #include "extview/decimal.h"
+#include "extview/transaction.h"
 
 namespace generalutilities {
 
@@ -31,32 +32,6 @@ constexpr std::u16string_view FieldNames[] = {
 
 /// The bound positions of `Pairs`.
 enum PairsField : int { PairsId = 1, PairsSource, PairsTarget, PairsStatus, PairsComments };
-
-/// A transaction that is undone unless it is committed.
-class Transaction {
-  public:
-    explicit Transaction(Database& opened) : database(opened), isOpen(opened.BeginTrans()) {}
-    ~Transaction() {
-        if (isOpen) {
-            database.Rollback();
-        }
-    }
-    Transaction(const Transaction&) = delete;
-    Transaction& operator=(const Transaction&) = delete;
-
-    bool IsOpen() const { return isOpen; }
-    bool Commit() {
-        if (!database.CommitTrans()) {
-            return false;
-        }
-        isOpen = false;
-        return true;
-    }
-
-  private:
-    Database& database;
-    bool isOpen;
-};
 
 /// Runs an action when the scope ends, however it ends.
 template <class Action>

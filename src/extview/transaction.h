@@ -17,6 +17,8 @@ class Transaction {
     Transaction(const Transaction&) = delete;
     Transaction& operator=(const Transaction&) = delete;
 
+    bool IsOpen() const { return isOpen; }
+
     bool Commit() {
         const bool committed = isOpen && database.CommitTrans();
         isOpen = isOpen && !committed;
