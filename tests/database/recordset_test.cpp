@@ -48,6 +48,36 @@ TEST_F(RecordsetTest, ADynasetKeepsItsRowsAndReadsThemLive) {
     EXPECT_EQ(outer->RecordCount(), 300);
 }
 
+TEST_F(RecordsetTest, AStretchOfRowsWithGapsReadsAsItsRows) {
+    AddRows(400);
+    Run(u"DELETE FROM Pairs WHERE Status_1036 Mod 9 = 4");
+    for (const char16_t* order : {u"", u" ORDER BY Status_1036 DESC", u" ORDER BY ID"}) {
+        const auto all =
+            Query(std::u16string(u"SELECT ID, Status_1036 As s FROM Pairs WHERE Status_1036 Mod 7 "
+                                 u"<> 3") +
+                  order);
+        const int id = *all->FieldIndex(u"ID");
+        const int number = *all->FieldIndex(u"s");
+        Run(u"UPDATE Pairs SET Done = False");
+        Run(u"DELETE FROM Pairs WHERE Status_1036 Mod 50 = 20 OR Status_1036 > 390");
+        int gone = 0;
+        int steps = 0;
+        for (; !all->Eof(); all->MoveNext(), ++steps) {
+            const FieldValue value = all->GetValue(number);
+            const auto* found = std::get_if<std::int32_t>(&value);
+            gone += found == nullptr ? 1 : 0;
+            if (found != nullptr) {
+                EXPECT_EQ(TextOf(all->GetValue(id)), u"r" + Decimal(*found));
+                EXPECT_TRUE(*found <= 390 && *found % 50 != 20 && *found % 7 != 3);
+            }
+        }
+        EXPECT_EQ(steps, all->RecordCount());
+        EXPECT_EQ(steps - gone,
+                  Query(u"SELECT ID FROM Pairs WHERE Status_1036 Mod 7 <> 3")->RecordCount());
+        EXPECT_EQ(gone > 0, *order == u'\0');  // the first round deletes them
+    }
+}
+
 TEST_F(RecordsetTest, ViewsLiveAsLongAsTheirRowIsCurrent) {
     AddRows(2);
     const auto rows = Query(u"SELECT ID, Source FROM Pairs ORDER BY ID");

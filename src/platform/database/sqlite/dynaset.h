@@ -15,8 +15,7 @@ namespace generalutilities::sqlite {
 class Dynaset final : public LiveRecordset {
   public:
     Dynaset(std::shared_ptr<Connection> opened, std::shared_ptr<const TableShape> ofTable,
-            std::vector<std::int64_t> rowIds)
-        : LiveRecordset(std::move(opened), std::move(ofTable)), keys(std::move(rowIds)) {}
+            std::vector<std::int64_t> rowIds);
 
     bool Bof() override { return keys.empty(); }
     bool Eof() override { return position >= keys.size(); }
@@ -31,12 +30,15 @@ class Dynaset final : public LiveRecordset {
   private:
     std::optional<std::int64_t> CurrentRowId() override;
     bool ReadCurrent() override;
+    bool LiesClose(std::size_t count) const;
+    void ReadStretch(std::size_t count);
     bool MoveTo(std::size_t row);
     bool FailWithoutIndex();
 
     const std::vector<std::int64_t> keys;
     std::size_t position = 0;
     std::size_t blockEnd = 0;  ///< the position behind the rows that were read last
+    RowQuery stretch;
 };
 
 }  // namespace generalutilities::sqlite

@@ -152,7 +152,7 @@ bool LiveRecordset::ReadRow(std::int64_t rowId) {
     if (step == Step::Row) {
         TakeRow(byRowId);
     } else if (step == Step::Done) {
-        block.AppendMissing(rowId, kinds.size());
+        TakeMissing(rowId);
     }
     return step != Step::Failed;
 }

@@ -61,6 +61,8 @@ class LiveRecordset : public Recordset {
     bool Prepare(RowQuery& query);
     /// Adds the row that the query's statement stands on to the block.
     void TakeRow(const RowQuery& query);
+    /// Adds a row that is no longer there.
+    void TakeMissing(std::int64_t rowId) { block.AppendMissing(rowId, kinds.size()); }
     /// Adds the row of that rowid to the block, one of nulls if there is none.
     bool ReadRow(std::int64_t rowId);
 
