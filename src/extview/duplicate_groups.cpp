@@ -27,6 +27,17 @@ std::unordered_set<std::size_t> Repeated(std::vector<std::size_t>& hashes) {
     return repeated;
 }
 
+// Both forms of a row as one text, the same for equal pairs alone: the length of the first says
+// where it ends.
+std::u16string PairForm(DuplicateRows& rows) {
+    std::u16string form = rows.SourceForm();
+    const std::size_t length = form.size();
+    form += rows.TargetForm();
+    form.push_back(static_cast<char16_t>(length & 0xFFFF));
+    form.push_back(static_cast<char16_t>(length >> 16));
+    return form;
+}
+
 }  // namespace
 
 bool DuplicateGroups::Prepare() {
@@ -63,7 +74,7 @@ void DuplicateGroups::MarkEqualRows(DuplicateRows& outer) {
         return;
     }
     Group& group = GroupOf(key);
-    const auto found = group.unmarked.find({outer.SourceForm(), outer.TargetForm()});
+    const auto found = group.unmarked.find(PairForm(outer));
     if (found == group.unmarked.end()) {
         return;
     }
@@ -89,7 +100,7 @@ DuplicateGroups::Group& DuplicateGroups::GroupOf(const std::u16string& key) {
         DuplicateRows rows(search.sourceLangId, search.targetLangId);
         if (rows.Open(database, group.query) && !rows.IsEmpty()) {
             do {
-                group.unmarked[{rows.SourceForm(), rows.TargetForm()}].emplace_back(rows.Id());
+                group.unmarked[PairForm(rows)].emplace_back(rows.Id());
             } while (rows.MoveNext());
         }
     }

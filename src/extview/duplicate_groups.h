@@ -6,11 +6,9 @@
 #include "extview/duplicate_rows.h"
 
 #include <cstddef>
-#include <map>
 #include <string>
 #include <unordered_map>
 #include <unordered_set>
-#include <utility>
 #include <vector>
 
 namespace generalutilities {
@@ -38,8 +36,8 @@ class DuplicateGroups {
   private:
     struct Group {
         std::u16string query;
-        /// By source and target form: the identifiers without a mark, in the order of the query.
-        std::map<std::pair<std::u16string, std::u16string>, std::vector<std::u16string>> unmarked;
+        /// By `PairForm`: the identifiers without a mark, in the order of the query.
+        std::unordered_map<std::u16string, std::vector<std::u16string>> unmarked;
         bool hasMarks = false;
     };
 
