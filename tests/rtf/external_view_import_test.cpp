@@ -3,6 +3,7 @@
 #include "database/temporary_folder.h"
 #include "extview/decimal.h"
 #include "extview/rtf/rtf_import.h"
+#include "platform/database/sqlite/connection.h"
 #include "sample_head.h"
 
 #include <fstream>
@@ -252,6 +253,29 @@ TEST(ExternalViewImport, BecomesVisibleAsAWhole) {
 EXPECT_EQ(import.RunImport(*project.database, u"", 1036), S_OK);
 EXPECT_EQ(looks, 3);
 EXPECT_EQ(Reimporting(*project.database).size(), 2u);
+}
+
+TEST(ExternalViewImport, ALockedProjectKeepsItsTableAndSaysSo) {
+    sqlite::SetBusyTimeout(50);
+    ImportedProject project;
+    const auto other = project.Open();
+    ASSERT_TRUE(other->BeginTrans());
+    ASSERT_TRUE(other->Execute(u"UPDATE Pairs SET Source = 'x' WHERE ID = '1'"));
+    ListImport import({{u"2", u"two", u""}});
+    EXPECT_EQ(import.RunImport(*project.database, u"", 1036), E_FAIL);
+    EXPECT_EQ(project.database->LastFailure().kind, DatabaseFailure::Kind::Locked);
+    ASSERT_TRUE(other->Rollback());
+    EXPECT_EQ(Reimporting(*project.database), Earlier);
+    EXPECT_EQ(import.RunImport(*project.database, u"", 1036), S_OK);
+    sqlite::SetBusyTimeout(sqlite::DefaultBusyTimeout);
+}
+
+TEST(ExternalViewImport, WithoutPairsEveryRowIsUnknown) {
+    TestProject project;
+    ASSERT_TRUE(project.database->Execute(u"DROP TABLE Pairs"));
+    ListImport import({{u"1", u"one", u"eins"}});
+    EXPECT_EQ(import.RunImport(*project.database, u"", 1036), S_OK);
+    EXPECT_EQ(Reimporting(*project.database), std::vector<std::string>());
 }
 
 TEST(ExternalViewImport, AnUnknownLanguageFindsRowsWithEmptyTexts) {
