@@ -1,5 +1,6 @@
 #include "frame/connection_point.h"
 
+#include "frame/counted.h"
 #include "frame/object.h"
 
 #include <algorithm>
@@ -10,30 +11,12 @@ namespace {
 
 /// An enumerator over values fixed at its making. `Copy` gives an element out with a reference.
 template <class Interface, const IID& Identifier, class Element, class Given, auto Copy>
-class Enumerator final : public Interface {
+class Enumerator final : public Counted<Enumerator<Interface, Identifier, Element, Given, Copy>,
+                                        Interface, Identifier> {
   public:
     Enumerator(std::vector<Element> fixed, std::size_t start)
         : elements(std::move(fixed)), position(start) {}
 
-    HRESULT QueryInterface(REFIID iid, void** object) noexcept override {
-        if (object == nullptr) {
-            return E_POINTER;
-        }
-        *object = iid == IID_IUnknown || iid == Identifier ? this : nullptr;
-        if (*object == nullptr) {
-            return E_NOINTERFACE;
-        }
-        AddRef();
-        return S_OK;
-    }
-    std::uint32_t AddRef() noexcept override { return ++references; }
-    std::uint32_t Release() noexcept override {
-        const std::uint32_t left = --references;
-        if (left == 0) {
-            delete this;
-        }
-        return left;
-    }
     HRESULT Next(std::uint32_t count, Given* given, std::uint32_t* fetched) noexcept override {
         if (given == nullptr || (fetched == nullptr && count > 1)) {
             return E_POINTER;
@@ -71,7 +54,6 @@ class Enumerator final : public Interface {
   private:
     std::vector<Element> elements;
     std::size_t position;
-    std::uint32_t references = 0;
 };
 
 struct HeldConnection {

@@ -5,11 +5,11 @@
 
 #include <generalutilities/automation/pointers.h>
 
+#include "frame/counted.h"
 #include "frame/invocation.h"
 #include "frame/object.h"
 #include "frame/type_library.h"
 
-#include <atomic>
 #include <memory>
 
 namespace generalutilities {
@@ -36,30 +36,10 @@ HRESULT AllocateText(std::u16string_view text, BSTR* out) {
     return *out == nullptr ? E_OUTOFMEMORY : S_OK;
 }
 
-class TypeInformation final : public ITypeInfo {
+class TypeInformation final : public Counted<TypeInformation, ITypeInfo, IID_ITypeInfo> {
   public:
     TypeInformation(const TypeLibraryDescription& described, std::uint32_t typeIndex)
         : library(described), index(typeIndex), type(described.types[typeIndex]) {}
-
-    HRESULT QueryInterface(REFIID iid, void** object) noexcept override {
-        if (object == nullptr) {
-            return E_POINTER;
-        }
-        *object = iid == IID_IUnknown || iid == IID_ITypeInfo ? this : nullptr;
-        if (*object == nullptr) {
-            return E_NOINTERFACE;
-        }
-        AddRef();
-        return S_OK;
-    }
-    std::uint32_t AddRef() noexcept override { return ++references; }
-    std::uint32_t Release() noexcept override {
-        const std::uint32_t left = --references;
-        if (left == 0) {
-            delete this;
-        }
-        return left;
-    }
 
     HRESULT GetTypeAttr(TYPEATTR** attributes) noexcept override {
         if (attributes == nullptr) {
@@ -357,7 +337,6 @@ class TypeInformation final : public ITypeInfo {
     const TypeLibraryDescription& library;
     std::uint32_t index;
     const TypeDescription& type;
-    std::atomic<std::uint32_t> references{0};
 };
 
 }  // namespace

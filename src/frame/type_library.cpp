@@ -2,9 +2,8 @@
 
 #include <generalutilities/automation/pointers.h>
 
+#include "frame/counted.h"
 #include "frame/object.h"
-
-#include <atomic>
 
 namespace generalutilities {
 
@@ -27,29 +26,9 @@ HRESULT GiveText(std::u16string_view text, BSTR* out) {
     return !text.empty() && *out == nullptr ? E_OUTOFMEMORY : S_OK;
 }
 
-class TypeLibrary final : public ITypeLib {
+class TypeLibrary final : public Counted<TypeLibrary, ITypeLib, IID_ITypeLib> {
   public:
     explicit TypeLibrary(const TypeLibraryDescription& described) : library(described) {}
-
-    HRESULT QueryInterface(REFIID iid, void** object) noexcept override {
-        if (object == nullptr) {
-            return E_POINTER;
-        }
-        *object = iid == IID_IUnknown || iid == IID_ITypeLib ? this : nullptr;
-        if (*object == nullptr) {
-            return E_NOINTERFACE;
-        }
-        AddRef();
-        return S_OK;
-    }
-    std::uint32_t AddRef() noexcept override { return ++references; }
-    std::uint32_t Release() noexcept override {
-        const std::uint32_t left = --references;
-        if (left == 0) {
-            delete this;
-        }
-        return left;
-    }
 
     std::uint32_t GetTypeInfoCount() noexcept override {
         return static_cast<std::uint32_t>(library.types.size());
@@ -132,7 +111,6 @@ class TypeLibrary final : public ITypeLib {
 
   private:
     const TypeLibraryDescription& library;
-    std::atomic<std::uint32_t> references{0};
 };
 
 }  // namespace
