@@ -71,9 +71,11 @@ class OpenTest : public ProjectTest {
         }
         project.OpenRecordset(u"SELECT ID FROM Pairs WHERE Done = 0 ORDER BY ID",
                               RecordsetType::Dynaset);
+        project.BeginTrans();
         project.Execute(u"UPDATE Pairs SET Done = 0");
         project.Execute(u"INSERT INTO Pairs (ID) VALUES ('new')");
         project.Execute(u"DROP TABLE Files");
+        project.Rollback();  // a commit would be as good, but waits for the disk
     }
 };
 

@@ -107,18 +107,17 @@ class Tokeniser {
     }
 
     bool AddText(char16_t delimiter) {
-        for (std::size_t end = position + 1;; ++end) {
-            end = query.find(delimiter, end);
+        std::size_t end = position;
+        do {
+            end = query.find(delimiter, end + 1);
             if (end == std::u16string_view::npos) {
                 problem = "a text without its closing quote" + PlaceInQuery(position);
                 return false;
             }
-            if (At(end + 1) != delimiter) {
-                Add(TokenKind::Text, end + 1);
-                return true;
-            }
             ++end;
-        }
+        } while (At(end) == delimiter);
+        Add(TokenKind::Text, end);
+        return true;
     }
 
     bool AddBracketed() {
