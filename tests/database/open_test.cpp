@@ -115,8 +115,8 @@ TEST_F(OpenTest, NamesOfSqlitesOwnAreOrdinaryPaths) {
     const auto back = std::filesystem::current_path();
     std::filesystem::current_path(Native(folder.Path(u"")));
     for (const char16_t* name : {u":memory:", u"file:a?mode=memory", u"-x"}) {
-        EXPECT_TRUE(Open(name, OpenMode::Create));
-        EXPECT_TRUE(std::filesystem::exists(Native(folder.Path(name))));
+        EXPECT_TRUE(Open(name, OpenMode::Create)->Execute(u"CREATE TABLE Pairs (ID, Source)"));
+        EXPECT_TRUE(Open(name));
     }
     std::filesystem::current_path(back);
 }
@@ -242,6 +242,17 @@ TEST_F(OpenTest, OtherEncodingsAndJournalsAreKept) {
             EXPECT_EQ(TextOf(table->GetValue(0)), exact ? c.text : c.inUtf8) << encoding;
         }
         EXPECT_EQ(Value(u"SELECT journal_mode FROM pragma_journal_mode"), Text(u"wal"));
+    }
+}
+
+TEST_F(OpenTest, ATextColumnGivesTextsWhateverIsStored) {
+    const std::u16string file = folder.Path(u"memo");
+    RawFile(file).Run(
+        "CREATE TABLE Pairs (ID VARCHAR, Source MEMO); INSERT INTO Pairs VALUES (1, 2)");
+    database = Open(file);
+    for (const RecordsetType type : {RecordsetType::Table, RecordsetType::Dynaset}) {
+        const auto rows = database->OpenRecordset(u"Pairs", type);
+        EXPECT_EQ(TextOf(*rows, u"ID") + TextOf(*rows, u"Source"), u"12");
     }
 }
 
