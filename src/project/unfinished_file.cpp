@@ -35,17 +35,22 @@ UnfinishedFile::UnfinishedFile(std::u16string_view finalPath, bool replaceExisti
     if (nativeFinalPath.empty()) {
         throw Error(E_INVALIDARG, "the project's path is empty or no legal path");
     }
-    std::error_code ignored;
-    const auto kind = std::filesystem::symlink_status(nativeFinalPath, ignored).type();
-    if (kind == std::filesystem::file_type::directory) {
+    std::error_code error;
+    if (!replace && std::filesystem::symlink_status(nativeFinalPath, error).type() !=
+                        std::filesystem::file_type::not_found) {
+        throw AlreadyThere(nativeFinalPath);
+    }
+    if (std::filesystem::is_directory(nativeFinalPath, error)) {
         throw Error(ErrorFileExists, nativeFinalPath + ": is a folder; give the name of a file");
     }
-    if (!replace && kind != std::filesystem::file_type::not_found) {
-        throw AlreadyThere(nativeFinalPath);
+    // A link stays a link: what it points to is replaced.
+    const std::filesystem::path target = std::filesystem::canonical(nativeFinalPath, error);
+    if (!error) {
+        nativeFinalPath = target.string();
     }
     std::random_device random;
     constexpr char16_t Digits[] = u"0123456789abcdef";
-    path = std::u16string(finalPath) + u".unfinished-";
+    path = files::FromNativePath(nativeFinalPath) + u".unfinished-";
     for (unsigned int bits = random(), i = 0; i < 8; ++i, bits >>= 4) {
         path += Digits[bits & 0xF];
     }
@@ -78,6 +83,10 @@ void UnfinishedFile::Publish() {
         if (std::filesystem::exists(nativeFinalPath, error)) {
             throw AlreadyThere(nativeFinalPath);
         }
+    }
+    const auto replaced = std::filesystem::status(nativeFinalPath, error);
+    if (!error && std::filesystem::exists(replaced)) {
+        std::filesystem::permissions(nativePath, replaced.permissions(), error);
     }
     RemoveCompanions(nativeFinalPath);
     std::filesystem::rename(nativePath, nativeFinalPath, error);

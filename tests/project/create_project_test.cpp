@@ -163,6 +163,15 @@ TEST(CreateProject, ReplacesOnlyWhenAllowed) {
     EXPECT_EQ(make(folder.Path(u"p"), true), "");
     EXPECT_NE(OpenProject(folder.Path(u"p")), nullptr);
     EXPECT_EQ(FilesIn(folder), 1U);
+    const std::filesystem::path file(files::ToUtf8Lossy(folder.Path(u"p")));
+    const std::filesystem::path link(files::ToUtf8Lossy(folder.Path(u"link")));
+    std::filesystem::create_symlink(file, link);
+    std::filesystem::permissions(file, std::filesystem::perms::owner_all);
+    WriteFile(folder.Path(u"p"), "old");
+    EXPECT_EQ(make(folder.Path(u"link"), true), "");
+    EXPECT_TRUE(std::filesystem::is_symlink(link)) << "a link stays a link";
+    EXPECT_EQ(std::filesystem::status(file).permissions(), std::filesystem::perms::owner_all);
+    EXPECT_NE(OpenProject(folder.Path(u"p")), nullptr);
     EXPECT_NE(make(folder.Path(u""), true).find("folder"), std::string::npos);
     EXPECT_NE(make(folder.Path(u"no/such/p"), false), "");
     EXPECT_NE(make(u"", false), "");
