@@ -273,8 +273,11 @@ void AddRowsCommand(CLI::App& project, CommandContext& context) {
                      "count")
         ->type_name("TEXT");
     command->add_option("--skip", options->skip, "Pass over so many matching rows")
+        ->check(CLI::NonNegativeNumber)
         ->type_name("COUNT");
-    command->add_option("--limit", options->limit, "Give at most so many rows")->type_name("COUNT");
+    command->add_option("--limit", options->limit, "Give at most so many rows")
+        ->check(CLI::NonNegativeNumber)
+        ->type_name("COUNT");
     command->add_flag("--plain", options->plainTexts,
                       "Plain texts: escapes undone, codes as the placeholders that they hide");
     command->add_flag("--json", options->asJson, "One JSON document, \"genutil.project-rows/1\"");
