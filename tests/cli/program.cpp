@@ -72,6 +72,10 @@ void Exchange(int inputEnd, const std::string& input, int outputEnd, int errorEn
         const std::size_t equals = variable.find('=');
         setenv(variable.substr(0, equals).c_str(), variable.substr(equals + 1).c_str(), 1);
     }
+    // A sanitizer's report must not look like an exit code of the program.
+    for (const char* variable : {"ASAN_OPTIONS", "LSAN_OPTIONS", "UBSAN_OPTIONS"}) {
+        setenv(variable, "exitcode=99", 1);
+    }
     if (surroundings.fileSizeLimit >= 0) {
         const auto limit = static_cast<rlim_t>(surroundings.fileSizeLimit);
         const rlimit both{limit, limit};
