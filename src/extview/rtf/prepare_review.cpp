@@ -1,0 +1,82 @@
+#include "extview/rtf/prepare_review.h"
+
+#include <generalutilities/error.h>
+
+#include "extview/rtf/review_walk.h"
+#include "extview/rtf/rtf_reader.h"
+#include "platform/files/utf8.h"
+
+#include <algorithm>
+#include <string>
+#include <utility>
+
+namespace generalutilities {
+
+std::string_view DescribeFinding(ReviewFinding finding) {
+    switch (finding) {
+        case ReviewFinding::DeletedText:
+            return "text that a tracked change deletes: left out";
+        case ReviewFinding::DeletedRow:
+            return "a row that tracked changes delete: left out";
+        case ReviewFinding::InsertedText:
+            return "text that a tracked change inserts: kept";
+        case ReviewFinding::KeptBreak:
+            return "a line end behind deleted text: kept, for the file does not tell whether it "
+                   "was deleted too";
+        case ReviewFinding::ListLabel:
+            return "the label of a list item: left out";
+        case ReviewFinding::FallbackPicture:
+            return "a picture: its digits left out";
+        case ReviewFinding::Footnote:
+            return "a footnote: its text left out";
+        case ReviewFinding::SoftHyphen:
+            return "a soft hyphen (U+00AD): kept";
+        case ReviewFinding::NonBreakingHyphen:
+            return "a non-breaking hyphen (U+2011): kept";
+        case ReviewFinding::StrayDate:
+            return "the number that LibreOffice writes before text with a tracked change of "
+                   "format: left out";
+    }
+    return {};
+}
+
+std::uint64_t PreparedReview::OriginalOffset(std::uint64_t row, std::uint64_t offset) const {
+    const auto behind = std::upper_bound(
+        shifts.begin(), shifts.end(), row,
+        [](std::uint64_t wanted, const Shift& entry) { return wanted < entry.row; });
+    const std::int64_t bytes = behind == shifts.begin() ? 0 : std::prev(behind)->bytes;
+    return offset + static_cast<std::uint64_t>(bytes);
+}
+
+PreparedReview rtf::PrepareReview(std::unique_ptr<files::FileReader> head,
+                                  std::unique_ptr<files::FileReader> file,
+                                  const std::function<void(std::string_view)>& write,
+                                  const std::function<void(const ReviewFindingPlace&)>& found,
+                                  const std::string& name) {
+    CRTFReader reader;
+    RtfFilePager pager;
+    if (!reader.Open(std::move(head)) || !pager.Open(std::move(file))) {
+        throw Error(everrUnableToOpenFile,
+                    name + ": cannot be opened; is it a file of less than 4 GiB?");
+    }
+    PreparedReview result;
+    if (reader.Prepare() && reader.Position() < reader.FileSize()) {
+        const std::uint32_t body = reader.Position();
+        reader.Close();
+        result = rtf::ReviewWalk(pager, write, found).Run(body);
+    }
+    if (pager.ReadFailed() || reader.ReadFailed()) {
+        throw Error(ErrorReadFault, name + ": cannot be read behind byte offset " +
+                                        std::to_string(pager.FileSize()));
+    }
+    return result;
+}
+
+PreparedReview PrepareReviewedFile(std::u16string_view path,
+                                   const std::function<void(std::string_view)>& write,
+                                   const std::function<void(const ReviewFindingPlace&)>& found) {
+    return rtf::PrepareReview(files::OpenForReading(path), files::OpenForReading(path), write,
+                              found, files::ToUtf8Lossy(path));
+}
+
+}  // namespace generalutilities
