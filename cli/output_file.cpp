@@ -132,7 +132,7 @@ OutputFile::OutputFile(const std::string& finalPath, bool replaceExisting)
         }
     }
     if (partialPath.size() < sizeof fileToRemove) {
-        std::strcpy(fileToRemove, partialPath.c_str());
+        std::memcpy(fileToRemove, partialPath.c_str(), partialPath.size() + 1);
     }
 }
 
