@@ -4,8 +4,8 @@
 
 namespace generalutilities {
 
-/// Takes the percent values of a running export or import. Called on the working thread, from inside
-/// the call that works.
+/// Takes the percent values of a running export or import. Called on the working thread, from
+/// inside the call that works.
 class IExtViewProgress {
   public:
     virtual void ReportProgress(std::int32_t percent, std::int32_t targetLangId) = 0;
