@@ -1,24 +1,12 @@
-// The dialect translator on arbitrary UTF-16, and SQLite's compiler on what it lets through.
+// The dialect translator on any text, and SQLite's compiler on what it lets through.
 // Whatever passes must hold one parameter a literal and be text that SQLite either compiles or
 // refuses.
 
 #include "platform/database/sqlite/dialect.h"
 
-#include <cstdint>
-#include <cstdlib>
-#include <cstring>
+#include "text_input.h"
+
 #include <sqlite3.h>
-#include <string>
-
-namespace {
-
-void Require(bool condition) {
-    if (!condition) {
-        std::abort();
-    }
-}
-
-}  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace generalutilities;
@@ -29,10 +17,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                      nullptr, nullptr, nullptr);
         return opened;
     }();
-    std::u16string query(size / 2, u'\0');
-    if (!query.empty()) {
-        std::memcpy(query.data(), data, query.size() * 2);
-    }
+    const std::u16string query = TextFrom(data, size);
     std::string problem;
     std::string expression;
     if (!sqlite::TranslateDefault(query, expression, problem)) {

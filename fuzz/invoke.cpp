@@ -46,27 +46,11 @@ class Values {
 
     /// A new value, owned here and at an address that stays.
     VARIANT& Make(Input& input, int depth = 0) {
-        static constexpr VARTYPE Types[] = {VT_EMPTY,
-                                            VT_NULL,
-                                            VT_I2,
-                                            VT_I4,
-                                            VT_R4,
-                                            VT_R8,
-                                            VT_CY,
-                                            VT_DATE,
-                                            VT_BSTR,
-                                            VT_DISPATCH,
-                                            VT_ERROR,
-                                            VT_BOOL,
-                                            VT_UNKNOWN,
-                                            VT_I1,
-                                            VT_UI1,
-                                            VT_UI4,
-                                            VT_I8,
-                                            VT_UI8,
-                                            VT_INT,
-                                            VT_ARRAY | VT_I4,
-                                            VT_ARRAY | VT_BSTR};
+        constexpr VARTYPE ListOfLongs = VT_ARRAY | VT_I4, ListOfTexts = VT_ARRAY | VT_BSTR;
+        static constexpr VARTYPE Types[] = {
+            VT_EMPTY, VT_NULL, VT_I2,       VT_I4,    VT_R4,   VT_R8,       VT_CY,
+            VT_DATE,  VT_BSTR, VT_DISPATCH, VT_ERROR, VT_BOOL, VT_UNKNOWN,  VT_I1,
+            VT_UI1,   VT_UI4,  VT_I8,       VT_UI8,   VT_INT,  ListOfLongs, ListOfTexts};
         const auto choice = input.Take<std::uint8_t>();
         VARIANT value{};
         if (choice == 255) {

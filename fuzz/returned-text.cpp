@@ -1,27 +1,19 @@
 // A host's work on a text that went out and came back: plain text made segment text and plain
-// again, words compared, hidden parts of codes restored. The input is UTF-16 units; U+FFFF parts
-// the stored from the returned text.
+// again, words compared, hidden parts of codes restored. U+FFFF parts the stored from the
+// returned text.
 
 #include <generalutilities/extview/segment_text.h>
 #include <generalutilities/project/line_ends.h>
 #include <generalutilities/project/segment_codes.h>
 #include <generalutilities/project/word_diff.h>
 
+#include "text_input.h"
+
 #include <algorithm>
-#include <cstdint>
-#include <cstdlib>
-#include <cstring>
-#include <string>
 
 using namespace generalutilities;
 
 namespace {
-
-void Require(bool condition) {
-    if (!condition) {
-        std::abort();
-    }
-}
 
 void CheckPlainText(std::u16string_view text, std::u16string_view other) {
     if (HasCodeMarkers(text) || HasCodeMarkers(other)) {
@@ -57,10 +49,7 @@ void CheckDifference(std::u16string_view before, std::u16string_view after) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    std::u16string text(size / 2, u'\0');
-    if (!text.empty()) {
-        std::memcpy(text.data(), data, text.size() * 2);
-    }
+    const std::u16string text = TextFrom(data, size);
     const std::u16string_view whole(text);
     const std::size_t end = std::min(whole.find(u'\uFFFF'), whole.size());
     const std::u16string_view stored = whole.substr(0, end);

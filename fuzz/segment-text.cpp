@@ -1,33 +1,15 @@
-// The texts of a project's rows on their way into the file: clean-ups, keys, escaping. The input is
-// taken as UTF-16 units in the machine's order, unpaired surrogates and all.
+// The texts of a project's rows on their way into the file: clean-ups, keys, escaping.
 
 #include <generalutilities/extview/segment_text.h>
 #include <generalutilities/extview/source_key.h>
 
 #include "extview/rtf_escape.h"
-
-#include <cstdint>
-#include <cstdlib>
-#include <cstring>
-#include <string>
+#include "text_input.h"
 
 using namespace generalutilities;
 
-namespace {
-
-void Require(bool condition) {
-    if (!condition) {
-        std::abort();
-    }
-}
-
-}  // namespace
-
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    std::u16string text(size / 2, u'\0');
-    if (!text.empty()) {
-        std::memcpy(text.data(), data, text.size() * 2);
-    }
+    const std::u16string text = TextFrom(data, size);
 
     const std::u16string shown = StripCodeMarkers(text);
     Require(shown.find_first_of(u"\6\7\b") == shown.npos);

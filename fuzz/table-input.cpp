@@ -6,22 +6,14 @@
 #include <generalutilities/project/inputs.h>
 
 #include "platform/files/utf8.h"
+#include "text_input.h"
 
-#include <cstdint>
-#include <cstdlib>
-#include <string>
 #include <sys/mman.h>
 #include <unistd.h>
 
 using namespace generalutilities;
 
 namespace {
-
-void Require(bool condition) {
-    if (!condition) {
-        std::abort();
-    }
-}
 
 /// A file in memory that has a path.
 class MemoryFile {

@@ -3,22 +3,14 @@
 
 #include <generalutilities/text/words.h>
 
+#include "text_input.h"
+
 #include <algorithm>
-#include <cstdint>
-#include <cstdlib>
-#include <cstring>
-#include <string>
 #include <vector>
 
 namespace {
 
 using namespace generalutilities;
-
-void Require(bool holds) {
-    if (!holds) {
-        std::abort();
-    }
-}
 
 std::u16string_view TextOf(std::u16string_view text, const TextToken& token) {
     return text.substr(static_cast<std::size_t>(token.first),
@@ -88,10 +80,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         return 0;
     }
     const std::int32_t langId = data[0] | data[1] << 8;
-    std::u16string text((size - 2) / 2, u'\0');
-    if (!text.empty()) {
-        std::memcpy(text.data(), data + 2, text.size() * 2);
-    }
+    const std::u16string text = TextFrom(data + 2, size - 2);
     const WordParser parser(langId);
     CheckStepWalk(text, parser);
     CheckAll(text, parser);
