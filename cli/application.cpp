@@ -5,6 +5,7 @@
 #include "commands/classes_command.h"
 #include "commands/export_command.h"
 #include "commands/import_command.h"
+#include "commands/language_command.h"
 #include "commands/project_command.h"
 #include "commands/register_command.h"
 #include "commands/review_command.h"
@@ -40,6 +41,7 @@ void AddCommands(CLI::App& app, CommandContext& context) {
     AddReviewCommand(app, context);
     AddAcceptCommand(app, context);
     AddTextCommand(app, context);
+    AddLanguageCommand(app, context);
     AddClassesCommand(app, context);
     AddRegisterCommands(app, context);
 }

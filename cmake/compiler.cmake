@@ -26,11 +26,12 @@ if(GENERALUTILITIES_COVERAGE)
   add_link_options(--coverage)
 endif()
 
-# generalutilities_library(<name> SOURCES ... LINK ...): one room of the house as an object library,
+# generalutilities_library(<name> SOURCES ... LINK ...): one room of the house as a library of its own,
 # so that a test links just the rooms below it and the two products gather all of them.
 function(generalutilities_library name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LINK" ${ARGN})
-  add_library(${name} OBJECT ${ARG_SOURCES})
+  add_library(${name} STATIC ${ARG_SOURCES})
   target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR}/include ${PROJECT_SOURCE_DIR}/src)
   target_link_libraries(${name} PUBLIC ${ARG_LINK})
+  set_property(GLOBAL APPEND PROPERTY GENERALUTILITIES_LIBRARIES ${name})
 endfunction()

@@ -4,4 +4,4 @@ generalutilities_library(gu-text-components
   LINK gu-frame gu-text)
 generalutilities_library(gu-extview-components
   SOURCES extview/ext_view_helper_component.cpp extview/text_file_component.cpp
-  LINK gu-frame gu-extview gu-rtf)
+  LINK gu-frame gu-rtf gu-text-file)

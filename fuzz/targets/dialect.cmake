@@ -1,1 +1,1 @@
-generalutilities_fuzz(dialect LINK gu-database gu-files)
+generalutilities_fuzz(dialect LINK gu-database)

@@ -1,1 +1,1 @@
-generalutilities_fuzz(segment-text LINK gu-extview gu-text gu-text-file gu-files)
+generalutilities_fuzz(segment-text LINK gu-extview gu-text-file)

@@ -2,7 +2,10 @@
 
 #include <generalutilities/automation/functions.h>
 #include <generalutilities/text/folding.h>
+#include <generalutilities/text/languages.h>
 #include <generalutilities/text/words.h>
+
+#include "platform/string_tables/string_tables.h"
 
 namespace generalutilities {
 
@@ -16,6 +19,12 @@ std::u16string_view View(BSTR string) {
 HRESULT Give(std::u16string_view text, BSTR* out) {
     *out = SysAllocStringLen(text.data(), static_cast<std::uint32_t>(text.size()));
     return *out == nullptr ? E_OUTOFMEMORY : S_OK;
+}
+
+/// A text that may be missing, which is a null string and no failure.
+HRESULT GiveFound(std::optional<std::u16string_view> text, BSTR* out) {
+    *out = nullptr;
+    return text ? Give(*text, out) : S_OK;
 }
 
 template <std::u16string (*Fold)(std::u16string_view)>
@@ -58,8 +67,8 @@ HRESULT CStringUtils::ConvertStringFromUnicode(std::int32_t, BSTR, VARIANT_BOOL,
                                                BSTR*) noexcept {
     return E_NOTIMPL;
 }
-HRESULT CStringUtils::GetLangNativeName(std::int32_t, BSTR*) noexcept {
-    return E_NOTIMPL;
+HRESULT CStringUtils::GetLangNativeName(std::int32_t LangID, BSTR* bstrOut) noexcept {
+    return bstrOut == nullptr ? E_POINTER : GiveFound(LanguageNativeName(LangID), bstrOut);
 }
 HRESULT CStringUtils::DetectLanguage(BSTR, std::int32_t*) noexcept {
     return E_NOTIMPL;
@@ -67,8 +76,11 @@ HRESULT CStringUtils::DetectLanguage(BSTR, std::int32_t*) noexcept {
 HRESULT CStringUtils::GetStringCodePages(BSTR, SAFEARRAY**) noexcept {
     return E_NOTIMPL;
 }
-HRESULT CStringUtils::LoadUnicodeResString(std::int32_t, std::int32_t, BSTR*) noexcept {
-    return E_NOTIMPL;
+HRESULT CStringUtils::LoadUnicodeResString(std::int32_t hInstance, std::int32_t lID,
+                                           BSTR* pbstrResult) noexcept {
+    return pbstrResult == nullptr
+               ? E_POINTER
+               : GiveFound(FindModuleString(PointerFromHandle(hInstance), lID), pbstrResult);
 }
 HRESULT CStringUtils::EditDistance(BSTR, BSTR, double, double*) noexcept {
     return E_NOTIMPL;

@@ -52,6 +52,7 @@ TEST(CommandLine, WrongUseIsToldWithoutRunningAnything) {
         {{"text", "words", "--language", "70000", "x"}, 2, "", "no known language"},
         {{"text", "words", "--language", "", "x"}, 2, "", "--language"},
         {{"text", "upper", "good", "b\xFF"}, 2, "", "TEXT 2, byte offset 1: not valid UTF-8"},
+        {{"language", "name", "klingon"}, 2, "", "\"klingon\" is no known language"},
         {{"export", "p"}, 2, "", "required"},
         {{"export", "p", "-o", "x", "-l", "klingon"}, 2, "", "klingon"},
         {{"export", "p", "-o", "x", "-l", "fr", "--color-exact", "red"}, 2, "", "#RRGGBB"},
@@ -101,6 +102,8 @@ TEST(CommandLine, ConvertsTexts) {
          "separator\t \ncode\t{1}\n",
          ""},
         {{"text", "words", "漢", "a\tb"}, 0, "dbcs\t漢\n\nword\ta\nseparator\t␉\nword\tb\n", ""},
+        {{"language", "name", "ja-JP", "1049"}, 0, "日本語\nРусский\n", ""},
+        {{"language", "name", "1171", "de"}, 1, "Deutsch\n", "quc-CO (1171): no name is known"},
         {{"text", "upper"}, 3, "", "line 2, byte offset 4: not valid UTF-8", "ab\nc\xFFx\n"},
     });
 }

@@ -1,11 +1,20 @@
 // `StringUtils` as a client sees it: directly and through `Invoke`.
 
 #include <generalutilities/automation/pointers.h>
+#include <generalutilities/automation/string_table.h>
 #include <generalutilities/interfaces/class_ids.h>
 #include <generalutilities/interfaces/string_utils.h>
 
+#include <dlfcn.h>
 #include <gtest/gtest.h>
+#include <optional>
 #include <vector>
+
+/// The string table of the test program, which is a module as well.
+constexpr generalutilities::StringTableEntry OwnTexts[] = {
+    {40, u"forty"}, {33, u""}, {35, nullptr}};
+extern "C" __attribute__((visibility("default")))
+const generalutilities::StringTable GeneralUtilitiesStringTable = {OwnTexts, 3};
 
 namespace generalutilities {
 namespace {
@@ -133,6 +142,61 @@ TEST_F(StringUtilsTest, AnswersTheSameThroughInvoke) {
     EXPECT_EQ(utils->Invoke(21, GUID_NULL, 0, DISPATCH_METHOD, &mismatch, &result, nullptr, &bad),
               DISP_E_TYPEMISMATCH);
     EXPECT_EQ(bad, 0u);
+}
+
+TEST_F(StringUtilsTest, TellsAMissingTextFromAMissingBlock) {
+    using Answer = std::optional<std::u16string>;  // nothing stands for a null string
+    const auto answer = [](const Bstr& text) {
+        return text.Get() == nullptr ? Answer() : Answer(text.Text());
+    };
+    for (const auto& [id, expected] :
+         std::vector<std::pair<std::int32_t, Answer>>{{1041, u"日本語"},
+                                                      {4105, u"English"},
+                                                      {1068, u"Azərbaycan\u00ADılı"},
+                                                      {58380, u"Français"},
+                                                      {100, u"GeneralUtilities"},
+                                                      {1025 + 0x100000, u"العربية"},
+                                                      {1147, u""},
+                                                      {1171, u""},
+                                                      {96, u""},
+                                                      {111, u""},
+                                                      {9, {}},
+                                                      {95, {}},
+                                                      {112, {}},
+                                                      {1000, {}},
+                                                      {1184, {}},
+                                                      {-1, {}},
+                                                      {INT32_MIN, {}},
+                                                      {INT32_MAX, {}}}) {
+        Bstr name;
+        ASSERT_EQ(utils->GetLangNativeName(id, name.Out()), S_OK);
+        EXPECT_EQ(answer(name), expected) << id;
+    }
+
+    void* program = dlopen(nullptr, RTLD_NOW);
+    void* runtime = dlopen("libc.so.6", RTLD_NOW);
+    int noModule = 0;
+    for (const auto& [module, id, expected] :
+         std::vector<std::tuple<void*, std::int32_t, Answer>>{{program, 40, u"forty"},
+                                                              {program, 33, u""},
+                                                              {program, 35, u""},
+                                                              {program, 47, u""},
+                                                              {program, 48, {}},
+                                                              {program, 1041, {}},
+                                                              {runtime, 40, {}},
+                                                              {&noModule, 40, {}}}) {
+        const std::int32_t handle = HandleFromPointer(module);
+        Bstr text;
+        ASSERT_EQ(utils->LoadUnicodeResString(handle, id, text.Out()), S_OK);
+        EXPECT_EQ(answer(text), expected) << id;
+        ReleaseHandle(handle);
+        ASSERT_EQ(utils->LoadUnicodeResString(handle, 40, text.Out()), S_OK);
+        EXPECT_EQ(text.Get(), nullptr) << "the handle has ended";
+    }
+    dlclose(runtime);
+    dlclose(program);
+    EXPECT_EQ(utils->GetLangNativeName(1041, nullptr), E_POINTER);
+    EXPECT_EQ(utils->LoadUnicodeResString(0, 40, nullptr), E_POINTER);
 }
 
 }  // namespace

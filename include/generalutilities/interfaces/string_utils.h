@@ -24,13 +24,15 @@ struct IStringUtils : IDispatch {
     virtual HRESULT ConvertStringFromUnicode(std::int32_t lCodePage, BSTR bstrIn,
                                              VARIANT_BOOL bTrueANSI, VARIANT_BOOL bNoConversion,
                                              BSTR* pbstrOut) noexcept = 0;
-    /// Not implemented yet.
+    /// The name of a language in that language, by its whole identifier. Null where none of the 16
+    /// identifiers with the same upper bits has a name, and empty where only another one has.
     virtual HRESULT GetLangNativeName(std::int32_t LangID, BSTR* bstrOut) noexcept = 0;
     /// Not implemented yet.
     virtual HRESULT DetectLanguage(BSTR bstrIn, std::int32_t* plLangID) noexcept = 0;
     /// Not implemented yet.
     virtual HRESULT GetStringCodePages(BSTR bstrAnalyze, SAFEARRAY** pCodePages) noexcept = 0;
-    /// Not implemented yet.
+    /// The text with number `lID` of a module's string table (automation/string_table.h), by the
+    /// same rule. `hInstance` is HandleFromPointer of what dlopen gave; null for anything else.
     virtual HRESULT LoadUnicodeResString(std::int32_t hInstance, std::int32_t lID,
                                          BSTR* pbstrResult) noexcept = 0;
     /// Not implemented yet.
