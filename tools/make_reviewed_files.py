@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""Makes the reviewed files of tests/rtf/data/writer anew, with a real word processor.
+"""Makes the reviewed files of tests/cli/data/writer anew, with a real word processor.
 
 A table that genutil exports is opened in LibreOffice Writer, edited as a reviewer would and saved
 as RTF: one file an oddity, and one with all of them. Beside each NAME.rtf stands NAME.json with what
@@ -39,7 +39,7 @@ from com.sun.star.style.ParagraphAdjust import CENTER
 from com.sun.star.text.ControlCharacter import HARD_HYPHEN, LINE_BREAK, PARAGRAPH_BREAK, SOFT_HYPHEN
 from com.sun.star.text.TextContentAnchorType import AS_CHARACTER
 
-OUT = Path(__file__).resolve().parent.parent / "tests" / "rtf" / "data" / "writer"
+OUT = Path(__file__).resolve().parent.parent / "tests" / "cli" / "data" / "writer"
 COLUMNS = ("id", "source", "target", "comments", "status")
 LINE_END = re.compile("\r\n|\r|\n")
 PIXEL = base64.b64decode(
@@ -297,6 +297,7 @@ def notes(review, row):
     review.insert(row, "target", "Endnote").setString("À la fin.")
     review.append(row, "target", ".")
     review.left(row, "target", "Avec note et fin.")
+    review.meets(row, "target", "footnote", "footnote", misread=False)
 
 
 def hyphens(review, row):
@@ -558,6 +559,7 @@ def make(name, writer, genutil, folder):
     if name == "annotation":
         annotated(exported)
         review = Review(writer, None, language, file)
+        review.meets(0, "target", "margin-comment", misread=False)
         writer.convert(exported, OUT)
     else:
         review = Review(writer, writer.open(exported), language, file)

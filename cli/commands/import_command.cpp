@@ -11,6 +11,7 @@
 #include "output_file.h"
 #include "progress.h"
 #include "project_checks.h"
+#include "review_findings.h"
 #include "unicode.h"
 
 #include <fstream>
@@ -19,9 +20,10 @@
 
 /// `genutil import`: a reviewed file comes back.
 ///
-/// `ExtViewHelper` does the import and is quiet about rows that it leaves out. The tool walks the
-/// file itself first, says what becomes of every row, and afterwards compares what was stored with
-/// what it read.
+/// `ExtViewHelper` does the import; it takes what stands in a cell for the reviewer's text and is
+/// quiet about rows that it leaves out. The tool prepares the file for it, walks the file itself
+/// first, says what becomes of every row, and afterwards compares what was stored with what it
+/// read.
 namespace generalutilities::cli {
 namespace {
 
@@ -29,6 +31,7 @@ struct ImportOptions {
     std::string project;
     std::string file;
     std::string language;
+    bool asIs = false;
     bool dryRun = false;
     std::string report;
     std::string reportFile;
@@ -93,6 +96,12 @@ class ReportOutput {
         writer = form == "json"   ? CreateJsonReport(*output, heading)
                  : form == "html" ? CreateHtmlReport(*output, heading)
                                   : CreateTextReport(*output, heading);
+    }
+
+    void Met(const ReviewFindingPlace& place) {
+        if (writer) {
+            writer->Met(place);
+        }
     }
 
     void Row(const ReviewedRow& row) {
@@ -193,12 +202,12 @@ class LeftOutRows {
 };
 
 void Store(CommandContext& context, const OpenProject& project, const ImportOptions& options,
-           const ComPtr<IExtViewHelper>& helper, std::int32_t langId,
+           const ComPtr<IExtViewHelper>& helper, const PreparedFile& reviewed, std::int32_t langId,
            const ReviewSummary& summary) {
     {
         ProgressDisplay display(context.console, options.progress, "importing");
         const EventConnection events(helper, [&](int percent) { display.Update(percent); });
-        const Bstr file(ArgumentToUtf16("FILE", options.file));
+        const Bstr file(reviewed.Path());
         SetErrorInfo(0, nullptr);
         Check(
             helper->ImportExternalView(project.object.Get(), file.Get(), langId, 0, VARIANT_FALSE),
@@ -227,12 +236,20 @@ ExitCode RunImport(CommandContext& context, const ImportOptions& options) {
     RequireRtf(helper, options.file);
 
     ReportOutput report(context.console, options, langId);
+    ReviewFindings findings;
+    const PreparedFile reviewed = options.asIs
+                                      ? PreparedFile::AsIs(path)
+                                      : PreparedFile::Prepare(path, [&](const auto& place) {
+                                            report.Met(place);
+                                            findings.Add(place);
+                                        });
+    findings.Tell(context.console, options.file);
     LeftOutRows leftOut(context.console, options.file);
     ReviewSummary summary;
     {
         ProgressDisplay display(context.console, options.progress, "reading");
         summary = ReviewFile(
-            *project.database, path, langId,
+            *project.database, reviewed, langId,
             [&](const ReviewedRow& row) {
                 report.Row(row);
                 leftOut.Look(row);
@@ -241,7 +258,7 @@ ExitCode RunImport(CommandContext& context, const ImportOptions& options) {
     }
     leftOut.Finish();
     if (!options.dryRun) {
-        Store(context, project, options, helper, langId, summary);
+        Store(context, project, options, helper, reviewed, langId, summary);
     }
     report.Finish(summary, options);
 
@@ -277,6 +294,9 @@ void AddImportCommand(CLI::App& parent, CommandContext& context) {
                      "The target language: a tag such as fr-FR or an identifier such as 1036")
         ->required()
         ->type_name("LANGUAGE");
+    command->add_flag("--as-is", options->asIs,
+                      "Read the file untouched: with tracked deletions, labels of lists, footnotes "
+                      "and digits of pictures as text, and without two kinds of hyphens");
     command->add_flag("--dry-run,-n", options->dryRun, "Report, and change nothing");
     command
         ->add_option("--report", options->report,
@@ -292,6 +312,8 @@ void AddImportCommand(CLI::App& parent, CommandContext& context) {
     command->add_flag("--json", options->asJson, "The report as JSON, \"genutil.import/1\"");
     AddProgressOption(command, options->progress);
     command->footer(
+        "What a word processor writes into cells that is no text of the reviewer's (tracked\n"
+        "deletions, labels of lists, ...) is left out first; what was met is told.\n"
         "The rows go into the working table of the project; its translations stay as they are\n"
         "until `genutil accept`. Exit code 1: rows of the file were left out; each is named.\n\n"
         "Examples:\n"

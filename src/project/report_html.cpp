@@ -79,11 +79,16 @@ class HtmlReport final : public ReportWriter {
                << "<br>Language: " << Html(LanguageForMessage(heading.langId))
                << (heading.dryRun ? "<br>Nothing was changed: this is what an import would do."
                                   : "")
-               << "</p>\n<table>\n<thead><tr><th>Row</th><th>Identifier</th><th>Result</th>"
-               << "<th>Source</th><th>Target</th><th>Remarks</th></tr></thead>\n<tbody>\n";
+               << "</p>\n<ul>\n";
+    }
+
+    void Met(const ReviewFindingPlace& place) override {
+        output << "<li>" << DescribePlace(place) << ": " << DescribeFinding(place.finding)
+               << "</li>\n";
     }
 
     void Row(const ReviewedRow& row) override {
+        BeginRows();
         const std::string_view outcome = OutcomeName(row.outcome);
         output << "<tr class=\"" << outcome << "\"><td>" << row.number << "</td><td>"
                << Html(row.id) << "</td><td>" << outcome << "</td><td class=\"text\" dir=\"auto\">"
@@ -100,12 +105,21 @@ class HtmlReport final : public ReportWriter {
     }
 
     void Finish(const ReviewSummary& summary) override {
+        BeginRows();
         output << "</tbody>\n</table>\n<h2>Summary</h2>\n<pre>" << Html(DescribeSummary(summary))
                << "</pre>\n</body>\n</html>\n";
         output.flush();
     }
 
   private:
+    void BeginRows() {
+        if (!hasRows) {
+            hasRows = true;
+            output << "</ul>\n<table>\n<thead><tr><th>Row</th><th>Identifier</th><th>Result</th>"
+                   << "<th>Source</th><th>Target</th><th>Remarks</th></tr></thead>\n<tbody>\n";
+        }
+    }
+
     void WriteTarget(const ReviewedRow& row) {
         if (row.outcome != RowOutcome::Changed) {
             output << Html(row.target);
@@ -130,6 +144,7 @@ class HtmlReport final : public ReportWriter {
 
     std::ostream& output;
     std::int32_t langId;
+    bool hasRows = false;
 };
 
 }  // namespace

@@ -61,14 +61,22 @@ class JsonReport final : public ReportWriter {
         output << "{\n  \"format\": \"genutil.import/1\",\n  \"project\": " << Json(heading.project)
                << ",\n  \"file\": " << Json(heading.file) << ",\n  \"language\": " << heading.langId
                << ",\n  \"languageTag\": " << Json(TagOfLangId(heading.langId))
-               << ",\n  \"dryRun\": " << Bool(heading.dryRun) << ",\n  \"rows\": [";
+               << ",\n  \"dryRun\": " << Bool(heading.dryRun) << ",\n  \"met\": [";
+    }
+
+    void Met(const ReviewFindingPlace& place) override {
+        BeginEntry();
+        output << "{\"finding\": " << Json(ReviewFindingName(place.finding))
+               << ", \"row\": " << place.row << ", \"cell\": " << place.cell
+               << ", \"offset\": " << place.offset << '}';
     }
 
     void Row(const ReviewedRow& row) override {
-        output << (isFirst ? "\n" : ",\n") << "    {\"row\": " << row.number
-               << ", \"offset\": " << row.offset << ", \"id\": " << Json(row.id)
+        BeginRows();
+        BeginEntry();
+        output << "{\"row\": " << row.number << ", \"offset\": " << row.offset
+               << ", \"id\": " << Json(row.id)
                << ", \"result\": " << Json(OutcomeName(row.outcome));
-        isFirst = false;
         if (row.outcome != RowOutcome::TooFewCells && row.outcome != RowOutcome::NotRead) {
             WriteTexts(row);
         }
@@ -76,7 +84,9 @@ class JsonReport final : public ReportWriter {
     }
 
     void Finish(const ReviewSummary& summary) override {
-        output << (isFirst ? "],\n" : "\n  ],\n") << "  \"summary\": {";
+        BeginRows();
+        EndList();
+        output << "  \"summary\": {";
         const std::pair<std::string_view, std::uint64_t> counts[] = {
             {"rows", summary.rows},
             {"unchanged", summary.unchanged},
@@ -102,6 +112,24 @@ class JsonReport final : public ReportWriter {
     }
 
   private:
+    void BeginEntry() {
+        output << (isFirst ? "\n    " : ",\n    ");
+        isFirst = false;
+    }
+
+    void EndList() {
+        output << (isFirst ? "],\n" : "\n  ],\n");
+        isFirst = true;
+    }
+
+    void BeginRows() {
+        if (!hasRows) {
+            hasRows = true;
+            EndList();
+            output << "  \"rows\": [";
+        }
+    }
+
     static std::string_view Bool(bool value) { return value ? "true" : "false"; }
 
     void WriteTexts(const ReviewedRow& row) {
@@ -135,7 +163,8 @@ class JsonReport final : public ReportWriter {
     }
 
     std::ostream& output;
-    bool isFirst = true;
+    bool isFirst = true;   ///< of the list that is being written
+    bool hasRows = false;  ///< that list is the one of the rows
 };
 
 }  // namespace

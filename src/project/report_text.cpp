@@ -27,11 +27,16 @@ class TextReport final : public ReportWriter {
     TextReport(std::ostream& stream, const ReportHeading& heading) : output(stream) {
         output << "Project:  " << OneLine(heading.project)
                << "\nReviewed: " << OneLine(heading.file)
-               << "\nLanguage: " << LanguageForMessage(heading.langId) << "\n\n";
-        output << "row\tidentifier\tresult\tremarks\n";
+               << "\nLanguage: " << LanguageForMessage(heading.langId) << '\n';
+    }
+
+    void Met(const ReviewFindingPlace& place) override {
+        output << "Met:      " << DescribePlace(place) << ": " << DescribeFinding(place.finding)
+               << '\n';
     }
 
     void Row(const ReviewedRow& row) override {
+        BeginRows();
         output << row.number << '\t' << OneLine(row.id) << '\t' << OutcomeName(row.outcome) << '\t';
         std::string separator;
         for (const std::string& remark : RemarksOn(row)) {
@@ -46,12 +51,21 @@ class TextReport final : public ReportWriter {
     }
 
     void Finish(const ReviewSummary& summary) override {
+        BeginRows();
         output << '\n' << DescribeSummary(summary);
         output.flush();
     }
 
   private:
+    void BeginRows() {
+        if (!hasRows) {
+            hasRows = true;
+            output << "\nrow\tidentifier\tresult\tremarks\n";
+        }
+    }
+
     std::ostream& output;
+    bool hasRows = false;
 };
 
 }  // namespace

@@ -58,14 +58,15 @@ class StoredRows {
 
 class ReportWalk {
   public:
-    ReportWalk(Database& database, std::u16string_view path, std::int32_t langId,
+    ReportWalk(Database& database, const PreparedFile& prepared, std::int32_t langId,
                const std::function<void(const ReviewedRow&)>& rowSink,
                const std::function<void(int)>& percentSink)
         : stored(database, langId),
-          name(files::ToUtf8Lossy(path)),
+          preparation(prepared.Preparation()),
+          name(files::ToUtf8Lossy(prepared.Name())),
           row(rowSink),
           percent(percentSink) {
-        file.SetSource(path, langId);
+        file.SetSource(prepared.Path(), langId);
     }
 
     ReviewSummary Run() {
@@ -80,7 +81,7 @@ class ReportWalk {
         }
         if (file.FileIsDamaged()) {
             throw Error(ErrorReadFault, name + ": cannot be read behind byte offset " +
-                                            std::to_string(file.Position()));
+                                            std::to_string(OriginalPosition()));
         }
         const bool hasOpenRow = file.Cells().size() > 1;  // cells, and no end of their row
         summary.endsInsideRow = hasOpenRow || LacksEnd();
@@ -140,10 +141,15 @@ class ReportWalk {
         }
     }
 
+    /// The position in the reviewed file, of which the row `summary.rows` is being read.
+    std::uint64_t OriginalPosition() {
+        return preparation.OriginalOffset(summary.rows, file.Position());
+    }
+
     void ReadRow(std::span<const std::u16string> cells) {
         ReviewedRow reviewed;
         reviewed.number = ++summary.rows;
-        reviewed.offset = file.Position();
+        reviewed.offset = OriginalPosition();
         const bool complete = cells.size() >= RequiredCells;
         reviewed.id = cells.empty() ? std::u16string_view() : cells[0];
         if (complete) {
@@ -239,6 +245,7 @@ class ReportWalk {
 
     CRTFImport file;
     StoredRows stored;
+    const PreparedReview& preparation;
     std::string name;  ///< for messages
     const std::function<void(const ReviewedRow&)>& row;
     const std::function<void(int)>& percent;
@@ -257,8 +264,14 @@ class ReportWalk {
 ReviewSummary ReviewFile(Database& database, std::u16string_view path, std::int32_t langId,
                          const std::function<void(const ReviewedRow&)>& row,
                          const std::function<void(int percent)>& percent) {
+    return ReviewFile(database, PreparedFile::AsIs(path), langId, row, percent);
+}
+
+ReviewSummary ReviewFile(Database& database, const PreparedFile& file, std::int32_t langId,
+                         const std::function<void(const ReviewedRow&)>& row,
+                         const std::function<void(int percent)>& percent) {
     RequireLanguage(database, langId);
-    return ReportWalk(database, path, langId, row, percent).Run();
+    return ReportWalk(database, file, langId, row, percent).Run();
 }
 
 std::optional<std::uint64_t> CountReimportedRows(Database& database) {

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -29,8 +30,12 @@ enum class ReviewFinding : std::uint8_t {
     SoftHyphen,         ///< U+00AD: written so that it is read
     NonBreakingHyphen,  ///< U+2011: written so that it is read
     StrayDate,          ///< the date of a tracked change of format, written as text: left out
+    MarginComment,      ///< a comment in the margin, which no cell holds: not read
 };
-inline constexpr std::size_t ReviewFindingCount = 10;
+inline constexpr std::size_t ReviewFindingCount = 11;
+
+/// The finding as a word for programs: "deleted-text", "list-label", ...
+std::string_view ReviewFindingName(ReviewFinding finding);
 
 /// The finding in words, for people: what was met and what became of it.
 std::string_view DescribeFinding(ReviewFinding finding);
@@ -42,6 +47,9 @@ struct ReviewFindingPlace {
     std::uint32_t cell = 0;    ///< 0 is the identifier
     std::uint32_t offset = 0;  ///< the byte in the reviewed file
 };
+
+/// The place in words, for people: "target of row 3, byte 4711".
+std::string DescribePlace(const ReviewFindingPlace& place);
 
 /// What a preparation did.
 struct PreparedReview {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <generalutilities/database.h>
+#include <generalutilities/project/prepared_file.h>
 #include <generalutilities/project/segment_codes.h>
 
 #include <cstdint>
@@ -32,7 +33,7 @@ enum class RowOutcome {
 /// A row of the file. The texts are valid only during the call.
 struct ReviewedRow {
     std::uint64_t number = 0;  ///< 1 for the first row behind the heading row
-    std::uint64_t offset = 0;  ///< where the row ends: the byte offset in the file
+    std::uint64_t offset = 0;  ///< where the row ends: the byte offset in the reviewed file
     RowOutcome outcome = RowOutcome::Unchanged;
     std::u16string_view id;
     std::u16string_view source, target, comments;  ///< as the file has them
@@ -77,6 +78,10 @@ struct ReviewSummary {
 ReviewSummary ReviewFile(Database& database, std::u16string_view path, std::int32_t langId,
                          const std::function<void(const ReviewedRow&)>& row,
                          const std::function<void(int percent)>& percent = {});
+/// The same for a prepared file: it reads the copy and tells the offsets and the name of the file.
+ReviewSummary ReviewFile(Database& database, const PreparedFile& file, std::int32_t langId,
+                         const std::function<void(const ReviewedRow&)>& row,
+                         const std::function<void(int percent)>& percent = {});
 
 /// How many rows the table `Reimporting` holds; nothing without that table.
 std::optional<std::uint64_t> CountReimportedRows(Database& database);
@@ -93,10 +98,12 @@ struct ReportHeading {
     bool dryRun = false;
 };
 
-/// Writes a report row by row: `Row` for each row, `Finish` at the end. Output is UTF-8.
+/// Writes a report row by row: first `Met` for all that the preparation met, then `Row` for each
+/// row, `Finish` at the end. Output is UTF-8.
 class ReportWriter {
   public:
     virtual ~ReportWriter() = default;
+    virtual void Met(const ReviewFindingPlace& place) = 0;
     virtual void Row(const ReviewedRow& row) = 0;
     virtual void Finish(const ReviewSummary& summary) = 0;
 };

@@ -12,6 +12,27 @@
 
 namespace generalutilities {
 
+std::string_view ReviewFindingName(ReviewFinding finding) {
+    constexpr std::string_view Names[ReviewFindingCount] = {
+        "deleted-text",        "deleted-row",      "inserted-text", "kept-break",
+        "list-label",          "fallback-picture", "footnote",      "soft-hyphen",
+        "non-breaking-hyphen", "stray-date",       "margin-comment"};
+    return Names[static_cast<std::size_t>(finding)];
+}
+
+std::string DescribePlace(const ReviewFindingPlace& place) {
+    constexpr std::string_view Cells[] = {"identifier", "source", "target",
+                                          "comment",    "status", "file name"};
+    const std::string row = place.row == 0 ? "the heading row" : "row " + std::to_string(place.row);
+    const std::string offset = ", byte " + std::to_string(place.offset);
+    if (place.finding == ReviewFinding::DeletedRow) {
+        return "before " + row + offset;
+    }
+    return (place.cell < std::size(Cells) ? std::string(Cells[place.cell])
+                                          : "cell " + std::to_string(place.cell + 1)) +
+           " of " + row + offset;
+}
+
 std::string_view DescribeFinding(ReviewFinding finding) {
     switch (finding) {
         case ReviewFinding::DeletedText:
@@ -36,6 +57,8 @@ std::string_view DescribeFinding(ReviewFinding finding) {
         case ReviewFinding::StrayDate:
             return "the number that LibreOffice writes before text with a tracked change of "
                    "format: left out";
+        case ReviewFinding::MarginComment:
+            return "a comment in the margin: not read; only the column of comments comes back";
     }
     return {};
 }

@@ -35,6 +35,12 @@ constexpr Destination Destinations[] = {
     {"shprslt", ReviewFinding::FallbackPicture}, {"footnote", ReviewFinding::Footnote},
 };
 
+/// Starred groups that a reviewer wrote. The reader skips them like all others with a star.
+constexpr Destination StarredDestinations[] = {
+    {"annotation", ReviewFinding::MarginComment},
+    {"footnote", ReviewFinding::Footnote},
+};
+
 constexpr std::string_view SoftHyphenText = "{\\uc0\\u173 }";
 constexpr std::string_view NonBreakingHyphenText = "{\\uc0\\u8209 }";
 
@@ -231,8 +237,7 @@ void ReviewWalk::TakeControlWord() {
             break;
         case WordKind::Destination:
             if (isInBody) {
-                position = word.end;
-                SkipStarred();
+                SkipStarred(word.end);
                 return;
             }
             break;
@@ -294,10 +299,19 @@ void ReviewWalk::SetMark(std::uint32_t mark, bool isSet) {
     marks = isSet ? marks | mark : marks & ~mark;
 }
 
-/// Goes to where the reader goes on behind a starred word: the closing brace of the group.
-void ReviewWalk::SkipStarred() {
+/// Goes from a star, which ends at `end`, to where the reader goes on: the closing brace of the
+/// group.
+void ReviewWalk::SkipStarred(std::uint32_t end) {
+    if (pager.ByteAt(end) == '\\') {
+        const std::string_view name = ReadControlWord(pager, end + 1, nameSpill).name;
+        for (const Destination& destination : StarredDestinations) {
+            if (name == destination.name) {
+                Report(destination.finding, position);
+            }
+        }
+    }
     bool closed = false;
-    position = GroupEnd(position, closed) - 1;
+    position = GroupEnd(end, closed) - 1;
 }
 
 /// Leaves out a group from its first word up to its closing brace. A group that never ends stays,

@@ -48,7 +48,7 @@ class ReviewWalk {
     void TakeControlWord();
     void TakeOwnWord(std::string_view name, const ControlWord& word);
     void SetMark(std::uint32_t mark, bool isSet);
-    void SkipStarred();
+    void SkipStarred(std::uint32_t end);
     void DropDestination(std::uint32_t from, ReviewFinding finding);
     std::uint32_t GroupEnd(std::uint32_t start, bool& closed);
 
