@@ -32,7 +32,7 @@ HRESULT ReportError(REFCLSID clsid, const char* text, REFIID iid, HRESULT status
     }
     return Guarded([&] {
         std::u16string wide;
-        if (!code_pages::AppendDecoded(code_pages::SystemAnsiCodePage, text, wide)) {
+        if (!code_pages::AppendDecoded(SystemAnsiCodePage, text, wide)) {
             return E_OUTOFMEMORY;
         }
         return ReportError(clsid, wide.c_str(), iid, status);
