@@ -1,8 +1,11 @@
 #include "text/string_utils_component.h"
 
 #include <generalutilities/automation/functions.h>
+#include <generalutilities/text/digits.h>
+#include <generalutilities/text/distance.h>
 #include <generalutilities/text/folding.h>
 #include <generalutilities/text/languages.h>
+#include <generalutilities/text/search.h>
 #include <generalutilities/text/words.h>
 
 #include "platform/string_tables/string_tables.h"
@@ -82,16 +85,7 @@ HRESULT CStringUtils::LoadUnicodeResString(std::int32_t hInstance, std::int32_t 
                ? E_POINTER
                : GiveFound(FindModuleString(PointerFromHandle(hInstance), lID), pbstrResult);
 }
-HRESULT CStringUtils::EditDistance(BSTR, BSTR, double, double*) noexcept {
-    return E_NOTIMPL;
-}
 HRESULT CStringUtils::GenerateString(std::int32_t, std::int32_t, BSTR*) noexcept {
-    return E_NOTIMPL;
-}
-HRESULT CStringUtils::FoldDigits(BSTR, VARIANT_BOOL, BSTR*) noexcept {
-    return E_NOTIMPL;
-}
-HRESULT CStringUtils::TranslateDigits(BSTR, std::int32_t, BSTR*) noexcept {
     return E_NOTIMPL;
 }
 HRESULT CStringUtils::SerializeCodes(BSTR*, IUnknown*, std::int32_t*, SAFEARRAY**,
@@ -99,10 +93,6 @@ HRESULT CStringUtils::SerializeCodes(BSTR*, IUnknown*, std::int32_t*, SAFEARRAY*
     return E_NOTIMPL;
 }
 HRESULT CStringUtils::IsStringInCodePage(BSTR, std::int32_t, VARIANT_BOOL*) noexcept {
-    return E_NOTIMPL;
-}
-HRESULT CStringUtils::Instr(std::int32_t, BSTR, BSTR, std::int32_t*, VARIANT_BOOL, VARIANT_BOOL,
-                            std::int32_t*) noexcept {
     return E_NOTIMPL;
 }
 
@@ -163,6 +153,57 @@ HRESULT CStringUtils::ParseString(std::int32_t* CharPos, BSTR String, std::int32
         }
         return status;
     });
+}
+
+HRESULT CStringUtils::Instr(std::int32_t start, BSTR s, BSTR tofind, std::int32_t* MatchLength,
+                            VARIANT_BOOL bMatchCase, VARIANT_BOOL bWholeWord,
+                            std::int32_t* retVal) noexcept {
+    if (retVal == nullptr) {
+        return E_POINTER;
+    }
+    *retVal = 0;
+    if (s == nullptr || tofind == nullptr || MatchLength == nullptr) {
+        return S_OK;
+    }
+    return Guarded([&] {
+        const auto first = static_cast<std::size_t>(start < 1 ? 0 : start - 1);
+        if (const auto match = FindText(View(s), View(tofind), first,
+                                        {.matchCase = bMatchCase != VARIANT_FALSE,
+                                         .wholeWord = bWholeWord != VARIANT_FALSE})) {
+            *MatchLength = static_cast<std::int32_t>(match->length);
+            *retVal = static_cast<std::int32_t>(match->position + 1);
+        }
+        return S_OK;
+    });
+}
+
+HRESULT CStringUtils::EditDistance(BSTR bstrS1, BSTR bstrS2, double dCapitalizationPenalty,
+                                   double* pdDist) noexcept {
+    if (pdDist == nullptr) {
+        return E_POINTER;
+    }
+    return Guarded([&] {
+        *pdDist =
+            generalutilities::EditDistance(View(bstrS1), View(bstrS2), dCapitalizationPenalty);
+        return S_OK;
+    });
+}
+
+HRESULT CStringUtils::FoldDigits(BSTR bstrIn, VARIANT_BOOL fMapAllNumerals,
+                                 BSTR* pbstrRet) noexcept {
+    if (pbstrRet == nullptr) {
+        return E_POINTER;
+    }
+    *pbstrRet = SysAllocString(bstrIn);
+    if (*pbstrRet == nullptr) {
+        return bstrIn == nullptr ? S_OK : E_OUTOFMEMORY;
+    }
+    FoldDigitsTo(View(*pbstrRet), fMapAllNumerals != VARIANT_FALSE, *pbstrRet);
+    return S_OK;
+}
+
+HRESULT CStringUtils::TranslateDigits(BSTR, std::int32_t, BSTR*) noexcept {
+    return S_OK;
 }
 
 HRESULT CStringUtils::ToIndex(BSTR s, std::int32_t LangID, std::int32_t cIndexSize,

@@ -7,6 +7,7 @@
 
 #include <dlfcn.h>
 #include <gtest/gtest.h>
+#include <limits>
 #include <optional>
 #include <vector>
 
@@ -83,6 +84,61 @@ TEST_F(StringUtilsTest, KeysRefuseNullAndZero) {
     EXPECT_EQ(key.View(), u"");
     EXPECT_EQ(utils->ToIndex(Bstr(u"1 000 francs").Get(), 1036, 50, key.Out()), S_OK);
     EXPECT_EQ(key.View(), u"francs");
+}
+
+TEST_F(StringUtilsTest, FindsFromAnyStart) {
+    const Bstr text(u"the cat");
+    const Bstr cat(u"CAT");
+    std::int32_t length = -1;
+    std::int32_t position = -1;
+    const auto find = [&](std::int32_t start, BSTR s, BSTR sought, VARIANT_BOOL exact = 0,
+                          VARIANT_BOOL word = 0) {
+        length = -1;
+        EXPECT_EQ(utils->Instr(start, s, sought, &length, exact, word, &position), S_OK);
+        return position;
+    };
+    for (const std::int32_t start : {1, 0, -1, 5, std::numeric_limits<std::int32_t>::min()}) {
+        EXPECT_EQ(find(start, text.Get(), cat.Get()), 5) << start;
+        EXPECT_EQ(length, 3);
+    }
+    for (const std::int32_t start : {6, 8, 9, std::numeric_limits<std::int32_t>::max()}) {
+        EXPECT_EQ(find(start, text.Get(), cat.Get()), 0) << start;
+    }
+    EXPECT_EQ(length, -1);
+    EXPECT_EQ(find(1, text.Get(), cat.Get(), 1), 0);
+    EXPECT_EQ(find(1, Bstr(u"cats").Get(), cat.Get(), 0, 2), 0) << "any value turns a flag on";
+    EXPECT_EQ(find(1, text.Get(), nullptr), 0);
+    EXPECT_EQ(find(1, nullptr, cat.Get()), 0);
+    EXPECT_EQ(find(1, text.Get(), Bstr(u"").Get()), 1);
+    EXPECT_EQ(utils->Instr(1, text.Get(), cat.Get(), nullptr, 0, 0, &position), S_OK);
+    EXPECT_EQ(position, 0);
+    EXPECT_EQ(utils->Instr(1, text.Get(), cat.Get(), &length, 0, 0, nullptr), E_POINTER);
+}
+
+TEST_F(StringUtilsTest, MeasuresNullAsEmptyAndFoldsDigitsUpToZero) {
+    double distance = -1;
+    EXPECT_EQ(
+        utils->EditDistance(nullptr, Bstr(std::u16string_view(u"a\0b", 3)).Get(), 1, &distance),
+        S_OK);
+    EXPECT_EQ(distance, 3.0);
+    EXPECT_EQ(utils->EditDistance(nullptr, nullptr, 1, &distance), S_OK);
+    EXPECT_EQ(distance, 0.0);
+    EXPECT_EQ(utils->EditDistance(nullptr, nullptr, 1, nullptr), E_POINTER);
+
+    const Bstr numbers(std::u16string_view(u"\u0663\u2169\0\u0663", 4));
+    Bstr out;
+    EXPECT_EQ(utils->FoldDigits(numbers.Get(), 0, out.Out()), S_OK);
+    EXPECT_EQ(out.View(), u"3\u2169");
+    EXPECT_EQ(utils->FoldDigits(numbers.Get(), 1, out.Out()), S_OK);
+    EXPECT_EQ(out.View(), u"30");
+    EXPECT_EQ(utils->TranslateDigits(numbers.Get(), 1025, out.Out()), S_OK);
+    EXPECT_EQ(utils->TranslateDigits(nullptr, 0, nullptr), S_OK);
+    BSTR kept = numbers.Get();
+    EXPECT_EQ(utils->TranslateDigits(nullptr, 0, &kept), S_OK);
+    EXPECT_EQ(kept, numbers.Get());
+    EXPECT_EQ(utils->FoldDigits(nullptr, 1, &kept), S_OK);
+    EXPECT_EQ(kept, nullptr);
+    EXPECT_EQ(utils->FoldDigits(nullptr, 1, nullptr), E_POINTER);
 }
 
 TEST_F(StringUtilsTest, IgnoreFontsIsTrueForTheExactValueOnly) {

@@ -35,7 +35,9 @@ struct IStringUtils : IDispatch {
     /// same rule. `hInstance` is HandleFromPointer of what dlopen gave; null for anything else.
     virtual HRESULT LoadUnicodeResString(std::int32_t hInstance, std::int32_t lID,
                                          BSTR* pbstrResult) noexcept = 0;
-    /// Not implemented yet.
+    /// The least cost that makes one string of the other: 1.0 for each insertion, deletion and
+    /// replacement, `dCapitalizationPenalty` for a change of case alone. Null counts as empty.
+    /// E_OUTOFMEMORY when there is no memory for a few rows of numbers.
     virtual HRESULT EditDistance(BSTR bstrS1, BSTR bstrS2, double dCapitalizationPenalty,
                                  double* pdDist) noexcept = 0;
     /// Each code unit without its accents and compatibility forms; case stays.
@@ -43,10 +45,11 @@ struct IStringUtils : IDispatch {
     /// Not implemented yet.
     virtual HRESULT GenerateString(std::int32_t lScript, std::int32_t lLength,
                                    BSTR* pbstrGen) noexcept = 0;
-    /// Not implemented yet.
+    /// The digits of all scripts as ASCII digits, up to the first U+0000; unless
+    /// `fMapAllNumerals` is 0, every other numeral as "0". Null gives null.
     virtual HRESULT FoldDigits(BSTR bstrIn, VARIANT_BOOL fMapAllNumerals,
                                BSTR* pbstrRet) noexcept = 0;
-    /// Not implemented yet.
+    /// Does nothing: S_OK, and `pbstrRet` stays as it was.
     virtual HRESULT TranslateDigits(BSTR bstrIn, std::int32_t lLangID, BSTR* pbstrRet) noexcept = 0;
     /// Not implemented yet.
     virtual HRESULT SerializeCodes(BSTR* Source, IUnknown* dictTargets, std::int32_t* EmbeddedID,
@@ -65,7 +68,9 @@ struct IStringUtils : IDispatch {
     /// the next one. Past the end `pVal` is null, `CharPos` 0, and `wt` stays.
     virtual HRESULT ParseString(std::int32_t* CharPos, BSTR String, std::int32_t LangID,
                                 WordTypeEnum* wt, BSTR* pVal) noexcept = 0;
-    /// Not implemented yet.
+    /// The 1-based position of the first match of `tofind` at or behind `start`, and how many units
+    /// of `s` it covers; 0 for none, `MatchLength` then stays. A `start` below 1 counts as 1. Any
+    /// value but 0 turns a flag on. Always S_OK, and 0 where an argument is null.
     virtual HRESULT Instr(std::int32_t start, BSTR s, BSTR tofind, std::int32_t* MatchLength,
                           VARIANT_BOOL bMatchCase, VARIANT_BOOL bWholeWord,
                           std::int32_t* retVal) noexcept = 0;

@@ -1,0 +1,1 @@
+generalutilities_fuzz(distance LINK gu-text)

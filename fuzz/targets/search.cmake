@@ -1,0 +1,1 @@
+generalutilities_fuzz(search LINK gu-text)
