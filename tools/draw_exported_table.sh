@@ -1,0 +1,18 @@
+#!/bin/sh
+# Draws docs/images/exported-table.png anew: a table of the sample project as a word processor shows it.
+# Needs what neither the build nor the tests need:
+#   apt-get install libreoffice-writer-nogui poppler-utils fonts-symbola
+# Usage: tools/draw_exported_table.sh BUILD_FOLDER
+set -eu
+genutil=$1/cli/genutil
+here=$(cd "$(dirname "$0")/.." && pwd)
+folder=$(mktemp -d)
+trap 'rm -rf "$folder"' EXIT
+
+"$genutil" project create "$folder/sample.project" --codes "$here"/demo/handbook.csv "$here"/demo/po/*.po
+"$genutil" export "$folder/sample.project" -o "$folder/table.rtf" --language fr-FR --color-all-rows
+soffice --headless "-env:UserInstallation=file://$folder/profile" --convert-to pdf --outdir "$folder" \
+    "$folder/table.rtf"
+mkdir -p "$here/docs/images"
+# The upper part of the page, without its margins.
+pdftoppm -png -singlefile -r 130 -x 110 -y 115 -W 800 -H 640 "$folder/table.pdf" "$here/docs/images/exported-table"
