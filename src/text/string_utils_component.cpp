@@ -5,10 +5,13 @@
 #include <generalutilities/text/distance.h>
 #include <generalutilities/text/folding.h>
 #include <generalutilities/text/languages.h>
+#include <generalutilities/text/random_text.h>
 #include <generalutilities/text/search.h>
 #include <generalutilities/text/words.h>
 
 #include "platform/string_tables/string_tables.h"
+
+#include <ctime>
 
 namespace generalutilities {
 
@@ -39,6 +42,9 @@ HRESULT Folded(BSTR in, BSTR* out) noexcept {
     return Guarded([&] { return Give(Fold(View(in)), out); });
 }
 
+/// What `GenerateString` of all objects on the thread draws from.
+thread_local RandomSource ThreadRandom;
+
 }  // namespace
 
 void* CStringUtils::FindInterface(REFIID iid) noexcept {
@@ -48,6 +54,11 @@ void* CStringUtils::FindInterface(REFIID iid) noexcept {
                              {IID_IStringUtils, standard},
                              {IID_IDispatch, standard},
                              {IID_ISupportErrorInfo, errors}});
+}
+
+HRESULT CStringUtils::Start() noexcept {
+    ThreadRandom = RandomSource(static_cast<std::uint32_t>(std::time(nullptr)));
+    return S_OK;
 }
 
 HRESULT CStringUtils::SimplifyString(BSTR bstrIn, std::int32_t lcid, BSTR* pbstrOut) noexcept {
@@ -84,9 +95,6 @@ HRESULT CStringUtils::LoadUnicodeResString(std::int32_t hInstance, std::int32_t 
     return pbstrResult == nullptr
                ? E_POINTER
                : GiveFound(FindModuleString(PointerFromHandle(hInstance), lID), pbstrResult);
-}
-HRESULT CStringUtils::GenerateString(std::int32_t, std::int32_t, BSTR*) noexcept {
-    return E_NOTIMPL;
 }
 HRESULT CStringUtils::SerializeCodes(BSTR*, IUnknown*, std::int32_t*, SAFEARRAY**,
                                      SAFEARRAY**) noexcept {
@@ -185,6 +193,30 @@ HRESULT CStringUtils::EditDistance(BSTR bstrS1, BSTR bstrS2, double dCapitalizat
     return Guarded([&] {
         *pdDist =
             generalutilities::EditDistance(View(bstrS1), View(bstrS2), dCapitalizationPenalty);
+        return S_OK;
+    });
+}
+
+HRESULT CStringUtils::GenerateString(std::int32_t lScript, std::int32_t lLength,
+                                     BSTR* pbstrGen) noexcept {
+    if (pbstrGen == nullptr) {
+        return E_POINTER;
+    }
+    return Guarded([&] {
+        CharSet* const set = charSets.Get(lScript);
+        if (set == nullptr) {
+            return S_FALSE;
+        }
+        *pbstrGen = nullptr;
+        if (lLength < 0) {
+            return S_OK;
+        }
+        const auto length = static_cast<std::uint32_t>(lLength);
+        *pbstrGen = SysAllocStringLen(nullptr, length);
+        if (*pbstrGen == nullptr) {
+            return E_OUTOFMEMORY;
+        }
+        GenerateText(*set, ThreadRandom, *pbstrGen, length);
         return S_OK;
     });
 }

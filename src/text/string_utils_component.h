@@ -1,6 +1,7 @@
 #pragma once
 
 #include <generalutilities/interfaces/string_utils.h>
+#include <generalutilities/text/char_sets.h>
 
 #include "frame/dispatch.h"
 #include "frame/interface_descriptions.h"
@@ -12,7 +13,8 @@ class CStringUtils : public Dual<IStringUtils, DescribeStringUtils>,
                      public RichErrors<IID_IStringUtils> {
   public:
     void* FindInterface(REFIID iid) noexcept;
-    HRESULT Start() noexcept { return S_OK; }
+    /// Seeds the thread's random numbers with the time.
+    HRESULT Start() noexcept;
 
     HRESULT SimplifyString(BSTR bstrIn, std::int32_t LCID, BSTR* pbstrOut) noexcept override;
     HRESULT ConvertStringToUnicode(std::int32_t lCodePage, BSTR bstrIn, VARIANT_BOOL bTrueANSI,
@@ -51,6 +53,7 @@ class CStringUtils : public Dual<IStringUtils, DescribeStringUtils>,
     HRESULT DeAccentUpperCaseString(BSTR* pbstrIn, BSTR* pbstrOut) noexcept override;
 
   private:
+    CharSets charSets;
     bool ttxIgnoreFonts = false;
 };
 

@@ -141,6 +141,26 @@ TEST_F(StringUtilsTest, MeasuresNullAsEmptyAndFoldsDigitsUpToZero) {
     EXPECT_EQ(utils->FoldDigits(nullptr, 1, nullptr), E_POINTER);
 }
 
+TEST_F(StringUtilsTest, GeneratesTextOfAScript) {
+    Bstr text;
+    ASSERT_EQ(utils->GenerateString(33, 1000, text.Out()), S_OK);
+    EXPECT_EQ(text.View().size(), 1000u);
+    for (const char16_t unit : text.View()) {
+        ASSERT_TRUE(unit >= 0x1680 && unit <= 0x169F) << static_cast<int>(unit);
+    }
+    BSTR kept = text.Get();
+    for (const std::int32_t key : {3, 40, 127, 136, 1252, -4, 40}) {
+        EXPECT_EQ(utils->GenerateString(key, 5, &kept), S_FALSE) << key;
+        EXPECT_EQ(kept, text.Get());
+    }
+    EXPECT_EQ(utils->GenerateString(128, -1, &kept), S_OK);
+    EXPECT_EQ(kept, nullptr);
+    ASSERT_EQ(utils->GenerateString(23, 0, text.Out()), S_OK);
+    EXPECT_NE(text.Get(), nullptr);
+    EXPECT_EQ(text.View(), u"");
+    EXPECT_EQ(utils->GenerateString(128, 1, nullptr), E_POINTER);
+}
+
 TEST_F(StringUtilsTest, IgnoreFontsIsTrueForTheExactValueOnly) {
     VARIANT_BOOL value = 5;
     for (const auto& [put, got] : {std::pair<VARIANT_BOOL, VARIANT_BOOL>{1, 0}, {-1, -1}, {2, 0}}) {

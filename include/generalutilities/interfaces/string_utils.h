@@ -42,7 +42,9 @@ struct IStringUtils : IDispatch {
                                  double* pdDist) noexcept = 0;
     /// Each code unit without its accents and compatibility forms; case stays.
     virtual HRESULT DeAccentString(BSTR bstrIn, BSTR* pbstrOut) noexcept = 0;
-    /// Not implemented yet.
+    /// `lLength` random code units of a script key (docs/code-pages.md); S_FALSE for an unknown
+    /// key, null for a negative length. The sequence starts anew, from the time in seconds, with
+    /// each `StringUtils` object that the thread creates.
     virtual HRESULT GenerateString(std::int32_t lScript, std::int32_t lLength,
                                    BSTR* pbstrGen) noexcept = 0;
     /// The digits of all scripts as ASCII digits, up to the first U+0000; unless
