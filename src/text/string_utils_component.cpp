@@ -1,6 +1,8 @@
 #include "text/string_utils_component.h"
 
 #include <generalutilities/automation/functions.h>
+#include <generalutilities/automation/pointers.h>
+#include <generalutilities/text/code_page_fit.h>
 #include <generalutilities/text/digits.h>
 #include <generalutilities/text/distance.h>
 #include <generalutilities/text/folding.h>
@@ -11,6 +13,7 @@
 
 #include "platform/string_tables/string_tables.h"
 
+#include <algorithm>
 #include <ctime>
 
 namespace generalutilities {
@@ -22,6 +25,19 @@ std::u16string_view View(BSTR string) {
                              : std::u16string_view(string, SysStringLen(string));
 }
 
+std::string_view Memory(BSTR string) {
+    return string == nullptr
+               ? std::string_view()
+               : std::string_view(reinterpret_cast<const char*>(string), SysStringByteLen(string));
+}
+
+/// Up to the first U+0000, as methods read it that know no length. The last byte of an odd number
+/// of them counts as a unit.
+std::u16string_view TerminatedView(BSTR string) {
+    const std::u16string_view whole(string, (Memory(string).size() + 1) / 2);
+    return whole.substr(0, whole.find(u'\0'));
+}
+
 HRESULT Give(std::u16string_view text, BSTR* out) {
     *out = SysAllocStringLen(text.data(), static_cast<std::uint32_t>(text.size()));
     return *out == nullptr ? E_OUTOFMEMORY : S_OK;
@@ -31,6 +47,34 @@ HRESULT Give(std::u16string_view text, BSTR* out) {
 HRESULT GiveFound(std::optional<std::u16string_view> text, BSTR* out) {
     *out = nullptr;
     return text ? Give(*text, out) : S_OK;
+}
+
+/// A new string of this many units or bytes, to be filled; null when it is too long.
+char16_t* NewUnits(Bstr& string, std::size_t units) {
+    if (units <= 0xFFFFFFFF) {
+        *string.Out() = SysAllocStringLen(nullptr, static_cast<std::uint32_t>(units));
+    }
+    return string.Get();
+}
+
+char* NewBytes(Bstr& string, std::size_t bytes) {
+    if (bytes <= 0xFFFFFFFF) {
+        *string.Out() = SysAllocStringByteLen(nullptr, static_cast<std::uint32_t>(bytes));
+    }
+    return reinterpret_cast<char*>(string.Get());
+}
+
+/// S_FALSE, and `out` as it was, where there is no result.
+HRESULT GiveConverted(bool converted, Bstr& result, BSTR* out) {
+    if (!converted) {
+        return S_FALSE;
+    }
+    *out = result.Release();
+    return S_OK;
+}
+
+ByteTextForm TextForm(VARIANT_BOOL noConversion) {
+    return noConversion == VARIANT_TRUE ? ByteTextForm::Widened : ByteTextForm::AnsiText;
 }
 
 template <std::u16string (*Fold)(std::u16string_view)>
@@ -70,16 +114,49 @@ HRESULT CStringUtils::SimplifyString(BSTR bstrIn, std::int32_t lcid, BSTR* pbstr
         [&] { return Give(generalutilities::SimplifyString(View(bstrIn), lcid), pbstrOut); });
 }
 
-HRESULT CStringUtils::ConvertStringToUnicode(std::int32_t, BSTR, VARIANT_BOOL, VARIANT_BOOL,
-                                             BSTR*) noexcept {
-    return E_NOTIMPL;
+HRESULT CStringUtils::ConvertStringToUnicode(std::int32_t lCodePage, BSTR bstrIn,
+                                             VARIANT_BOOL bTrueANSI, VARIANT_BOOL bNoConversion,
+                                             BSTR* pbstrOut) noexcept {
+    if (pbstrOut == nullptr) {
+        return E_POINTER;
+    }
+    return Guarded([&] {
+        if (IsPassThrough(lCodePage)) {
+            return Give(TerminatedView(bstrIn), pbstrOut);
+        }
+        Bstr result;
+        const auto room = [&](std::size_t units) { return NewUnits(result, units); };
+        const bool converted =
+            bTrueANSI == VARIANT_TRUE
+                ? byteStrings.ToUnicode(lCodePage, Memory(bstrIn), room)
+                : byteStrings.ToUnicode(lCodePage, View(bstrIn), TextForm(bNoConversion), room);
+        return GiveConverted(converted, result, pbstrOut);
+    });
 }
 HRESULT CStringUtils::DetectCodePage(BSTR, std::int32_t, std::int32_t*) noexcept {
     return E_NOTIMPL;
 }
-HRESULT CStringUtils::ConvertStringFromUnicode(std::int32_t, BSTR, VARIANT_BOOL, VARIANT_BOOL,
-                                               BSTR*) noexcept {
-    return E_NOTIMPL;
+HRESULT CStringUtils::ConvertStringFromUnicode(std::int32_t lCodePage, BSTR bstrIn,
+                                               VARIANT_BOOL bTrueANSI, VARIANT_BOOL bNoConversion,
+                                               BSTR* pbstrOut) noexcept {
+    if (pbstrOut == nullptr) {
+        return E_POINTER;
+    }
+    return Guarded([&] {
+        if (IsPassThrough(lCodePage)) {
+            return Give(TerminatedView(bstrIn), pbstrOut);
+        }
+        Bstr result;
+        const bool converted =
+            bTrueANSI == VARIANT_TRUE
+                ? byteStrings.FromUnicode(
+                      lCodePage, View(bstrIn),
+                      [&](std::size_t bytes) { return NewBytes(result, bytes); })
+                : byteStrings.FromUnicode(
+                      lCodePage, View(bstrIn), TextForm(bNoConversion),
+                      [&](std::size_t units) { return NewUnits(result, units); });
+        return GiveConverted(converted, result, pbstrOut);
+    });
 }
 HRESULT CStringUtils::GetLangNativeName(std::int32_t LangID, BSTR* bstrOut) noexcept {
     return bstrOut == nullptr ? E_POINTER : GiveFound(LanguageNativeName(LangID), bstrOut);
@@ -87,8 +164,20 @@ HRESULT CStringUtils::GetLangNativeName(std::int32_t LangID, BSTR* bstrOut) noex
 HRESULT CStringUtils::DetectLanguage(BSTR, std::int32_t*) noexcept {
     return E_NOTIMPL;
 }
-HRESULT CStringUtils::GetStringCodePages(BSTR, SAFEARRAY**) noexcept {
-    return E_NOTIMPL;
+HRESULT CStringUtils::GetStringCodePages(BSTR bstrAnalyze, SAFEARRAY** pCodePages) noexcept {
+    if (pCodePages == nullptr) {
+        return E_POINTER;
+    }
+    return Guarded([&] {
+        const std::vector<std::uint32_t> codePages = CodePagesOfText(View(bstrAnalyze));
+        *pCodePages =
+            SafeArrayCreateVector(VT_UI4, 0, static_cast<std::uint32_t>(codePages.size()));
+        if (*pCodePages == nullptr) {
+            return E_OUTOFMEMORY;
+        }
+        std::ranges::copy(codePages, static_cast<std::uint32_t*>((*pCodePages)->pvData));
+        return S_OK;
+    });
 }
 HRESULT CStringUtils::LoadUnicodeResString(std::int32_t hInstance, std::int32_t lID,
                                            BSTR* pbstrResult) noexcept {
@@ -100,8 +189,16 @@ HRESULT CStringUtils::SerializeCodes(BSTR*, IUnknown*, std::int32_t*, SAFEARRAY*
                                      SAFEARRAY**) noexcept {
     return E_NOTIMPL;
 }
-HRESULT CStringUtils::IsStringInCodePage(BSTR, std::int32_t, VARIANT_BOOL*) noexcept {
-    return E_NOTIMPL;
+HRESULT CStringUtils::IsStringInCodePage(BSTR bstrIn, std::int32_t cp,
+                                         VARIANT_BOOL* pRetVal) noexcept {
+    if (pRetVal == nullptr) {
+        return E_POINTER;
+    }
+    return Guarded([&] {
+        const bool fits = FitsCodePage(TerminatedView(bstrIn), static_cast<std::uint32_t>(cp));
+        *pRetVal = fits ? VARIANT_TRUE : VARIANT_FALSE;
+        return S_OK;
+    });
 }
 
 HRESULT CStringUtils::DeAccentString(BSTR bstrIn, BSTR* pbstrOut) noexcept {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <generalutilities/interfaces/string_utils.h>
+#include <generalutilities/text/byte_strings.h>
 #include <generalutilities/text/char_sets.h>
 
 #include "frame/dispatch.h"
@@ -54,6 +55,7 @@ class CStringUtils : public Dual<IStringUtils, DescribeStringUtils>,
 
   private:
     CharSets charSets;
+    ByteStringConversion byteStrings;
     bool ttxIgnoreFonts = false;
 };
 

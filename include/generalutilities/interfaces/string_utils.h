@@ -13,14 +13,19 @@ namespace generalutilities {
 struct IStringUtils : IDispatch {
     /// Punctuation of all scripts made plain ASCII, one unit for one, up to the first U+0000.
     virtual HRESULT SimplifyString(BSTR bstrIn, std::int32_t LCID, BSTR* pbstrOut) noexcept = 0;
-    /// Not implemented yet.
+    /// Decodes a byte string in code page `lCodePage`. With `bTrueANSI` the memory of `bstrIn` is
+    /// the byte string, else with `bNoConversion` the low half of each unit is a byte, else the
+    /// bytes are what `bstrIn` gives in code page 1252; a flag counts only as VARIANT_TRUE. The
+    /// code pages 0, 1200 and 50000 give a copy up to the first U+0000. S_FALSE for a page that is
+    /// not served and where nothing comes of the input, an empty string for example.
     virtual HRESULT ConvertStringToUnicode(std::int32_t lCodePage, BSTR bstrIn,
                                            VARIANT_BOOL bTrueANSI, VARIANT_BOOL bNoConversion,
                                            BSTR* pbstrOut) noexcept = 0;
     /// Not implemented yet.
     virtual HRESULT DetectCodePage(BSTR bstrIn, std::int32_t lDefLangCodePage,
                                    std::int32_t* plCodePage) noexcept = 0;
-    /// Not implemented yet.
+    /// Encodes `bstrIn` into a byte string in code page `lCodePage`, in one of the same three
+    /// forms. What the page cannot hold becomes a question mark.
     virtual HRESULT ConvertStringFromUnicode(std::int32_t lCodePage, BSTR bstrIn,
                                              VARIANT_BOOL bTrueANSI, VARIANT_BOOL bNoConversion,
                                              BSTR* pbstrOut) noexcept = 0;
@@ -29,7 +34,8 @@ struct IStringUtils : IDispatch {
     virtual HRESULT GetLangNativeName(std::int32_t LangID, BSTR* bstrOut) noexcept = 0;
     /// Not implemented yet.
     virtual HRESULT DetectLanguage(BSTR bstrIn, std::int32_t* plLangID) noexcept = 0;
-    /// Not implemented yet.
+    /// The code pages of one script or language that carry the whole string, as VT_UI4 from index
+    /// 0; no elements, and S_OK, where there are none.
     virtual HRESULT GetStringCodePages(BSTR bstrAnalyze, SAFEARRAY** pCodePages) noexcept = 0;
     /// The text with number `lID` of a module's string table (automation/string_table.h), by the
     /// same rule. `hInstance` is HandleFromPointer of what dlopen gave; null for anything else.
@@ -60,7 +66,8 @@ struct IStringUtils : IDispatch {
     virtual HRESULT ToUpper(BSTR s, BSTR* p) noexcept = 0;
     /// Lower case; the length stays.
     virtual HRESULT ToLower(BSTR s, BSTR* p) noexcept = 0;
-    /// Not implemented yet.
+    /// Whether the page carries every character up to the first U+0000, without approximation. True
+    /// for a page that is not served.
     virtual HRESULT IsStringInCodePage(BSTR bstrIn, std::int32_t cp,
                                        VARIANT_BOOL* pRetVal) noexcept = 0;
     /// True only for VARIANT_TRUE itself.
