@@ -1,6 +1,7 @@
 #include "reimport.h"
 
 #include <generalutilities/project/accept.h>
+#include <generalutilities/project/review_report.h>
 
 #include "failure.h"
 #include "language.h"
@@ -10,6 +11,11 @@
 namespace generalutilities::cli {
 
 std::int32_t ReimportLanguage(const OpenProject& project, const std::string& language) {
+    if (!CountReimportedRows(*project.database)) {
+        throw Failure(
+            project.path + ": nothing was imported yet; `genutil import` reads a reviewed file",
+            "genutil", ErrorInvalidData);
+    }
     if (!language.empty()) {
         const std::int32_t langId = ParseLanguage("--language", language);
         RequireLanguage(project, langId);

@@ -12,8 +12,10 @@
 #include "progress.h"
 #include "project_checks.h"
 #include "review_findings.h"
+#include "rtf_check.h"
 #include "unicode.h"
 
+#include <filesystem>
 #include <fstream>
 #include <memory>
 #include <optional>
@@ -39,41 +41,6 @@ struct ImportOptions {
     bool asJson = false;
     ProgressMode progress = ProgressMode::Automatic;
 };
-
-/// What a file that is no RTF is instead, as far as its first bytes tell.
-std::string DescribeOtherFile(const std::string& path) {
-    char start[8] = {};
-    std::ifstream file(path, std::ios::binary);
-    file.read(start, sizeof start);
-    const std::string_view bytes(start, static_cast<std::size_t>(file.gcount()));
-    if (bytes.empty()) {
-        return "the file is empty";
-    }
-    if (bytes.substr(0, 4) == "PK\x03\x04") {
-        return "it looks like a DOCX or ODT document; open it in the word processor and save it as "
-               "Rich Text Format (RTF)";
-    }
-    if (bytes == "\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1") {
-        return "it looks like a DOC document; open it in the word processor and save it as Rich "
-               "Text Format (RTF)";
-    }
-    if (bytes[0] == '<') {
-        return "it looks like HTML or XML, which cannot be imported";
-    }
-    return "save the reviewed table as Rich Text Format (RTF)";
-}
-
-void RequireRtf(const ComPtr<IExtViewHelper>& helper, const std::string& path) {
-    VARIANT_BOOL isRtf = VARIANT_FALSE;
-    SetErrorInfo(0, nullptr);
-    Check(helper->IsFileRTF(Bstr(ArgumentToUtf16("FILE", path)).Get(), &isRtf), "reading " + path);
-    if (isRtf == VARIANT_FALSE) {
-        throw Failure(path +
-                          ": byte offset 0: expected \"{\\rtf1\", the beginning of an RTF file; " +
-                          DescribeOtherFile(path),
-                      "genutil", everrNotEnoughFieldsPresent);
-    }
-}
 
 /// The whole list of rows, in the form and to the place that was asked for.
 class ReportOutput {
@@ -148,14 +115,18 @@ class ReportOutput {
     bool usesStandardOutput = false;
 };
 
-/// Names the rows that do not come home, the first of them at least.
-class LeftOutRows {
+/// Names the rows that do not come home, the first of them at least, and doubts the language of a
+/// file in which no translation is the stored one.
+class RowWarnings {
   public:
-    explicit LeftOutRows(Console& errorConsole, const std::string& reviewedFile)
+    RowWarnings(Console& errorConsole, const std::string& reviewedFile)
         : console(errorConsole), file(reviewedFile) {}
 
     void Look(const ReviewedRow& row) {
         readingStopped = readingStopped || row.outcome == RowOutcome::TooFewCells;
+        if (!row.storedTarget.empty()) {
+            ++(row.outcome == RowOutcome::Changed ? otherTargets : sameTargets);
+        }
         const std::string reason = ReasonOf(row);
         if (reason.empty()) {
             return;
@@ -166,14 +137,24 @@ class LeftOutRows {
         }
     }
 
-    void Finish() {
+    void Finish(const ReviewSummary& summary, std::int32_t langId) {
         if (count > Shown) {
             console.Warn(std::to_string(count - Shown) +
                          " more rows are left out; --report text lists every row");
         }
+        if (summary.endsInsideRow) {
+            console.Warn(file + ": its end is missing behind byte " +
+                         std::to_string(std::filesystem::file_size(file)) +
+                         ": it was cut off on its way; ask for the whole file");
+        }
+        if (sameTargets == 0 && otherTargets >= DoubtfulTargets) {
+            console.Warn(file + ": not one of " + std::to_string(otherTargets) +
+                         " translations is the one of the project; is " + LanguageName(langId) +
+                         " the language of this file?");
+        }
     }
 
-    std::uint64_t Count() const { return count; }
+    std::uint64_t LeftOut() const { return count; }
 
   private:
     std::string ReasonOf(const ReviewedRow& row) const {
@@ -195,9 +176,12 @@ class LeftOutRows {
     }
 
     static constexpr std::uint64_t Shown = 10;
+    static constexpr std::uint64_t DoubtfulTargets = 5;
     Console& console;
     const std::string& file;
     std::uint64_t count = 0;
+    std::uint64_t sameTargets = 0;
+    std::uint64_t otherTargets = 0;
     bool readingStopped = false;
 };
 
@@ -244,7 +228,7 @@ ExitCode RunImport(CommandContext& context, const ImportOptions& options) {
                                             findings.Add(place);
                                         });
     findings.Tell(context.console, options.file);
-    LeftOutRows leftOut(context.console, options.file);
+    RowWarnings warnings(context.console, options.file);
     ReviewSummary summary;
     {
         ProgressDisplay display(context.console, options.progress, "reading");
@@ -252,11 +236,11 @@ ExitCode RunImport(CommandContext& context, const ImportOptions& options) {
             *project.database, reviewed, langId,
             [&](const ReviewedRow& row) {
                 report.Row(row);
-                leftOut.Look(row);
+                warnings.Look(row);
             },
             [&](int percent) { display.Update(percent); });
     }
-    leftOut.Finish();
+    warnings.Finish(summary, langId);
     if (!options.dryRun) {
         Store(context, project, options, helper, reviewed, langId, summary);
     }
@@ -276,7 +260,8 @@ ExitCode RunImport(CommandContext& context, const ImportOptions& options) {
     if (!options.reportFile.empty()) {
         context.console.Note("The report on every row is in " + options.reportFile);
     }
-    return leftOut.Count() > 0 || summary.endsInsideRow ? ExitCode::NegativeAnswer : ExitCode::Done;
+    return warnings.LeftOut() > 0 || summary.endsInsideRow ? ExitCode::NegativeAnswer
+                                                           : ExitCode::Done;
 }
 
 }  // namespace

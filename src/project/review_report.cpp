@@ -101,11 +101,25 @@ class ReportWalk {
                         name + ": cannot be opened; is it a file, and may it be read?");
         }
         if (!file.ReadHeader()) {
-            throw Error(everrNotEnoughFieldsPresent,
-                        name +
-                            ": is no RTF table with a heading row, a font table and a style "
-                            "sheet; save the reviewed document as RTF");
+            throw Error(everrNotEnoughFieldsPresent, name + ": " + WhyNoTable());
         }
+    }
+
+    /// What is missing in a file that cannot be read as a table.
+    std::string WhyNoTable() {
+        if (LacksEnd()) {
+            return "the file ends at byte offset " +
+                   std::to_string(preparation.OriginalOffset(0, file.FileSize())) +
+                   ", before the first row of an RTF table; was it cut off on its way?";
+        }
+        for (const std::string_view word : {"\\fonttbl", "\\stylesheet", "\\row"}) {
+            if (file.FindInFile(0, word) == RtfFilePager::NotFound) {
+                return "is no reviewed table: there is no \"" + std::string(word) +
+                       "\" in it; save the whole document with the table as Rich Text Format (RTF)";
+            }
+        }
+        return "is no reviewed table: font table, style sheet and heading row do not follow each "
+               "other; save the document with the table as Rich Text Format (RTF)";
     }
 
     /// A file holds segments, or the lexicon, or both: what it holds none of was not exported.

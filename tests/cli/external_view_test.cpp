@@ -303,9 +303,11 @@ TEST_F(ExternalView, RefusesWhatIsNoReviewedTable) {
         {"short.rtf", "{\\rt", "byte offset 0: expected \"{\\rtf1\""},
         {"a.docx", "PK\x03\x04...........", "looks like a DOCX"},
         {"a.html", "<!DOCTYPE html>", "looks like HTML"},
-        {"bare.rtf", "{\\rtf1 Hello}", "0x80040022"},
+        {"moved.rtf", "\n{\\rtf1", "stands at byte offset 1;"},
+        {"cut.rtf", "{\\rtf1{\\fonttbl", "ends at byte offset 15, before the first row"},
+        {"bare.rtf", "{\\rtf1 Hello}", "no \"\\fonttbl\" in it"},
         {"table.rtf", "{\\rtf1{\\fonttbl{\\f0\\fcharset0 A;}}{\\stylesheet{\\s0 N;}}\\pard x}",
-         "0x80040022"},
+         "no \"\\row\" in it"},
     };
     for (const auto& one : cases) {
         file = folder.Write(one.name, one.content);
@@ -314,14 +316,16 @@ TEST_F(ExternalView, RefusesWhatIsNoReviewedTable) {
         EXPECT_THAT(result.error, HasSubstr(one.error)) << one.name;
         EXPECT_THAT(result.error, HasSubstr(one.name)) << one.name;
     }
-    for (const std::string name : {".", "missing.rtf", "empty.rtf/below"}) {
+    const std::pair<const char*, const char*> unreadable[] = {
+        {".", "is a folder"},
+        {"missing.rtf", "missing.rtf: cannot be opened: No such file"},
+        {"empty.rtf/below", "empty.rtf/below: cannot be opened: Not a directory"},
+    };
+    for (const auto& [name, error] : unreadable) {
         file = folder / name;
         const Result result = Import();
         EXPECT_EQ(result.exitCode, 3) << name;
-        EXPECT_THAT(
-            result.error,
-            HasSubstr("Unable to open File\n  reported by GeneralUtilities.ExtViewHelper.1"))
-            << name;
+        EXPECT_THAT(result.error, HasSubstr(error)) << name;
     }
 }
 
