@@ -24,6 +24,17 @@ class RawFile {
             << sql << ": " << sqlite3_errmsg(handle);
     }
 
+    /// The first value of a query's first row.
+    std::string Value(const std::string& sql) {
+        std::string value;
+        const auto keep = [](void* kept, int, char** values, char**) {
+            *static_cast<std::string*>(kept) = values[0] != nullptr ? values[0] : "(null)";
+            return 0;
+        };
+        EXPECT_EQ(sqlite3_exec(handle, sql.c_str(), keep, &value, nullptr), SQLITE_OK) << sql;
+        return value;
+    }
+
     /// The handle, for an owner that closes it.
     sqlite3* Release() { return std::exchange(handle, nullptr); }
 

@@ -1,4 +1,5 @@
 #include "database/project_fixture.h"
+#include "database/raw_file.h"
 
 #include <random>
 
@@ -76,6 +77,50 @@ TEST_F(RecordsetTest, AStretchOfRowsWithGapsReadsAsItsRows) {
                   Query(u"SELECT ID FROM Pairs WHERE Status_1036 Mod 7 <> 3")->RecordCount());
         EXPECT_EQ(gone > 0, *order == u'\0');  // the first round deletes them
     }
+}
+
+// The keys of the first queries are read along the file, those of the second ones row by row: no
+// index orders by an expression.
+TEST_F(RecordsetTest, AnIndexGivesTheSameRowsInTheSameOrder) {
+    AddRows(300);
+    Run(u"UPDATE Pairs SET Source2Index = 'key' & Status_1036 Mod 7");
+    Run(u"CREATE INDEX iSource2Index ON Pairs (Source2Index)");
+    for (const bool sparse : {false, true}) {
+        if (sparse) {
+            Run(u"INSERT INTO Pairs (rowid, ID, Status_1036) VALUES (9000000000000000000, 'r5', "
+                u"5)");
+            Run(u"INSERT INTO Pairs (rowid, ID, Status_1036) VALUES (-7, 'r05', 5)");
+        }
+        for (const std::u16string where : {u"Status_1036 Mod 5 <> 2", u"Status_1036 < 0"}) {
+            const std::u16string query = u"SELECT ID FROM Pairs p WHERE " + where + u" ORDER BY ";
+            for (const std::u16string order : {u"ID", u"Source2Index"}) {
+                EXPECT_EQ(Walk(*Query(query + order)), Walk(*Query(query + order + u" & ''")));
+            }
+        }
+    }
+}
+
+TEST_F(RecordsetTest, AChangeOfAMarkReachesAllItsRows) {
+    AddRows(9);
+    Run(u"UPDATE Pairs SET Done = Null WHERE ID = 'r2'");
+    Run(u"UPDATE Pairs SET Done = 5 WHERE ID = 'r3' OR ID = 'r4'");
+    Run(u"UPDATE Pairs SET Done = True WHERE ID = 'r4'");
+    EXPECT_EQ(Query(u"SELECT ID FROM Pairs WHERE Done = 5")->RecordCount(), 1);
+    EXPECT_EQ(Query(u"SELECT ID FROM Pairs WHERE Done = 0")->RecordCount(), 6);
+    Run(u"UPDATE Pairs SET Done = 0");
+    EXPECT_EQ(Query(u"SELECT ID FROM Pairs WHERE Done = 0")->RecordCount(), 9);
+
+    // Where nothing changes, nothing is written ...
+    RawFile other(path);
+    const std::string version = other.Value("PRAGMA data_version");
+    Run(u"UPDATE Pairs SET Done = 0 WHERE ID = 'r1' OR ID = 'r2'");
+    EXPECT_EQ(other.Value("PRAGMA data_version"), version);
+    // ... unless somebody listens.
+    other.Run(
+        "CREATE TABLE heard (n); CREATE TRIGGER t AFTER UPDATE ON Pairs BEGIN INSERT INTO heard "
+        "VALUES (1); END");
+    Run(u"UPDATE Pairs SET Done = 0");
+    EXPECT_EQ(other.Value("SELECT COUNT(*) FROM heard"), "9");
 }
 
 TEST_F(RecordsetTest, ViewsLiveAsLongAsTheirRowIsCurrent) {

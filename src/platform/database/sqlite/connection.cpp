@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <bit>
 #include <functional>
 #include <utility>
 #include <variant>
@@ -60,8 +61,10 @@ bool Connection::ReadEncoding() {
     if (!statement || Next(statement, "Opening it") != Step::Row) {
         return false;
     }
-    const unsigned char* name = sqlite3_column_text(statement.Get(), 0);
-    utf8 = name != nullptr && std::string_view(reinterpret_cast<const char*>(name)) == "UTF-8";
+    const unsigned char* text = sqlite3_column_text(statement.Get(), 0);
+    const std::string_view name = text != nullptr ? reinterpret_cast<const char*>(text) : "";
+    utf8 = name == "UTF-8";
+    codeUnits = name == (std::endian::native == std::endian::little ? "UTF-16le" : "UTF-16be");
     return true;
 }
 

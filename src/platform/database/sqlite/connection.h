@@ -80,11 +80,13 @@ class Connection {
     Connection(const Connection&) = delete;
     Connection& operator=(const Connection&) = delete;
 
-    /// To be called once before texts are written: learns how the file keeps them.
+    /// To be called once before texts are read or written: learns how the file keeps them.
     bool ReadEncoding();
 
     sqlite3* Handle() const { return database; }
     bool KeepsUtf8() const { return utf8; }
+    /// Whether the bytes of a text in the file are the code units of this machine.
+    bool KeepsCodeUnits() const { return codeUnits; }
 
     /// A statement of this text, prepared now or earlier; an empty one on failure, which is
     /// recorded with `work` ("reading a row") as what failed.
@@ -150,6 +152,7 @@ class Connection {
     bool waitedInVain = false;  ///< the file was locked to the end of the wait: do not wait again
     bool writeWaitedInVain = false;  ///< ... for writing
     bool utf8 = false;
+    bool codeUnits = false;
     int busyTimeout;
 };
 

@@ -41,6 +41,9 @@ class Translator {
                 return false;
             }
             insertions.WriteAfter(i, [this](const char* text) { translation.text += text; });
+            if (i == SetValue) {
+                FindSetColumn();
+            }
         }
         if (!isOneTable) {
             translation.table.clear();
@@ -157,8 +160,10 @@ class Translator {
         }
         if (IsWordAt(i, "FROM")) {
             FindTable(i);
+        } else if (IsWordAt(i, "WHERE")) {
+            translation.whereOffset = translation.text.size();
         } else if (IsWordAt(i, "ORDER")) {
-            translation.isOrdered = true;
+            translation.orderOffset = translation.text.size();
         } else if (IsWordAt(i, "DISTINCT") || IsWordAt(i, "GROUP") || IsWordAt(i, "HAVING") ||
                    IsWordAt(i, "UNION") || IsWordAt(i, "INTERSECT") || IsWordAt(i, "EXCEPT") ||
                    IsWordAt(i, "LIMIT")) {
@@ -189,6 +194,25 @@ class Translator {
         }
         translation.table = *name;
         translation.fromOffset = translation.text.size();
+    }
+
+    /// Sees whether the tokens up to the value are `UPDATE table SET column = number`, and nothing
+    /// but a WHERE follows.
+    void FindSetColumn() {
+        const bool isUpdate = IsWordAt(0, "UPDATE") && IsNameAt(1) && IsWordAt(2, "SET") &&
+                              IsNameAt(3) && AsciiOf(4) == "=" &&
+                              IsKindAt(SetValue, TokenKind::Number);
+        const std::size_t next = SetValue + 1;
+        if (!isUpdate || !(next == tokens.size() || IsWordAt(next, "WHERE"))) {
+            return;
+        }
+        const std::optional<std::string> table = files::ToUtf8(NameAt(1));
+        const std::optional<std::string> column = files::ToUtf8(NameAt(3));
+        if (table && column) {
+            translation.table = *table;
+            translation.setColumn = *column;
+            translation.setEnd = translation.text.size();
+        }
     }
 
     std::u16string_view NameAt(std::size_t i) const {
@@ -258,6 +282,7 @@ class Translator {
     }
 
     static constexpr std::int64_t NoDepth = INT64_MIN;
+    static constexpr std::size_t SetValue = 5;  ///< where the value of `FindSetColumn` stands
 
     std::u16string_view query;
     Translation& translation;

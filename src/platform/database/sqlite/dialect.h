@@ -25,11 +25,17 @@ struct Translation {
     std::vector<Literal> literals;  ///< the values of ?1, ?2, ...
 
     /// For a SELECT whose rows are those of one named table (no DISTINCT, grouping, union or join):
-    /// the table's name, and where in `text` its FROM begins. Otherwise the name is empty.
+    /// the table's name, and where in `text` its clauses begin. Otherwise the name is empty.
     std::string table;
     std::size_t fromOffset = 0;
-    bool isOrdered = false;         ///< the SELECT itself has an ORDER BY
+    std::size_t whereOffset = 0;    ///< 0 without a WHERE
+    std::size_t orderOffset = 0;    ///< 0 without an ORDER BY of the SELECT itself
     bool ordersByPosition = false;  ///< ORDER BY or GROUP BY holds a number
+
+    /// For `UPDATE table SET column = number`, with a WHERE or without: the two names, `table` and
+    /// this one, and where in `text` the number, ?1, ends. Otherwise the name is empty.
+    std::string setColumn;
+    std::size_t setEnd = 0;
 };
 
 /// False for a text that is no query of the dialect, with the reason and its place in `problem`.

@@ -139,7 +139,8 @@ bool LiveRecordset::Prepare(RowQuery& query) {
 }
 
 void LiveRecordset::TakeRow(const RowQuery& query) {
-    block.Append(sqlite3_column_int64(query.statement.Get(), 0), query.statement.Get(), 1, kinds);
+    block.Append(sqlite3_column_int64(query.statement.Get(), 0), query.statement.Get(), 1, kinds,
+                 connection->KeepsCodeUnits());
 }
 
 bool LiveRecordset::ReadRow(std::int64_t rowId) {

@@ -72,8 +72,8 @@ class LiveRecordset : public Recordset {
     std::size_t rowInBlock = 0;  ///< the current row, when `block` holds it
 
   private:
-    static constexpr std::size_t LargestWindow = 64;
-    static constexpr std::size_t LargestTexts = 32 * 1024;  // code units
+    static constexpr std::size_t LargestWindow = 256;
+    static constexpr std::size_t LargestTexts = 128 * 1024;  // code units
     static constexpr std::size_t NotAsked = SIZE_MAX;
 
     bool IsFresh() const { return blockGeneration == connection->Generation(); }

@@ -1,5 +1,6 @@
 #include "platform/database/sqlite/row_block.h"
 
+#include <cstring>
 #include <limits>
 #include <new>
 
@@ -12,10 +13,10 @@ void RowBlock::Clear() {
 }
 
 void RowBlock::Append(std::int64_t rowId, sqlite3_stmt* statement, int firstColumn,
-                      const std::vector<ColumnKind>& kinds) {
+                      const std::vector<ColumnKind>& kinds, bool codeUnits) {
     width = kinds.size();
     for (std::size_t i = 0; i < width; ++i) {
-        cells.push_back(Read(statement, firstColumn + static_cast<int>(i), kinds[i]));
+        cells.push_back(Read(statement, firstColumn + static_cast<int>(i), kinds[i], codeUnits));
     }
     rowIds.push_back(rowId);
 }
@@ -40,7 +41,29 @@ bool RowBlock::Equals(std::size_t row, const RowBlock& other) const {
     return true;
 }
 
-RowBlock::Cell RowBlock::Read(sqlite3_stmt* statement, int column, ColumnKind kind) {
+RowBlock::Cell RowBlock::ReadText(sqlite3_stmt* statement, int column, bool codeUnits) {
+    // Asked for as a text, it would first be copied to get a zero behind it; as bytes it is not.
+    const void* bytes = codeUnits ? sqlite3_column_blob(statement, column)
+                                  : sqlite3_column_text16(statement, column);
+    Cell cell;
+    cell.type = Type::Text;
+    cell.offset = texts.size();
+    cell.length = static_cast<std::size_t>(codeUnits ? sqlite3_column_bytes(statement, column)
+                                                     : sqlite3_column_bytes16(statement, column)) /
+                  sizeof(char16_t);
+    if (bytes == nullptr) {  // an empty text, or no memory
+        if (cell.length > 0 || sqlite3_errcode(sqlite3_db_handle(statement)) == SQLITE_NOMEM) {
+            throw std::bad_alloc();
+        }
+        return cell;
+    }
+    texts.resize(cell.offset + cell.length);
+    std::memcpy(texts.data() + cell.offset, bytes, cell.length * sizeof(char16_t));
+    return cell;
+}
+
+RowBlock::Cell RowBlock::Read(sqlite3_stmt* statement, int column, ColumnKind kind,
+                              bool codeUnits) {
     Cell cell;
     const int type = sqlite3_column_type(statement, column);
     if (type == SQLITE_NULL || type == SQLITE_BLOB) {
@@ -52,17 +75,7 @@ RowBlock::Cell RowBlock::Read(sqlite3_stmt* statement, int column, ColumnKind ki
         return cell;
     }
     if (type == SQLITE_TEXT || kind == ColumnKind::Text) {
-        const void* units = sqlite3_column_text16(statement, column);
-        if (units == nullptr) {
-            throw std::bad_alloc();
-        }
-        cell.type = Type::Text;
-        cell.offset = texts.size();
-        cell.length =
-            static_cast<std::size_t>(sqlite3_column_bytes16(statement, column)) / sizeof(char16_t);
-        const auto* first = static_cast<const char16_t*>(units);
-        texts.insert(texts.end(), first, first + cell.length);
-        return cell;
+        return ReadText(statement, column, codeUnits && type == SQLITE_TEXT);
     }
     if (type == SQLITE_INTEGER) {
         const std::int64_t integer = sqlite3_column_int64(statement, column);

@@ -20,9 +20,9 @@ class RowBlock {
     void Clear();
 
     /// Adds the statement's current row: its columns from `firstColumn` on, one for each of
-    /// `kinds`.
+    /// `kinds`. `codeUnits` is what the connection says of its texts.
     void Append(std::int64_t rowId, sqlite3_stmt* statement, int firstColumn,
-                const std::vector<ColumnKind>& kinds);
+                const std::vector<ColumnKind>& kinds, bool codeUnits);
     /// Adds a row that reads as null in each of `width` columns.
     void AppendMissing(std::int64_t rowId, std::size_t width);
 
@@ -51,7 +51,8 @@ class RowBlock {
         std::size_t length = 0;
     };
 
-    Cell Read(sqlite3_stmt* statement, int column, ColumnKind kind);
+    Cell Read(sqlite3_stmt* statement, int column, ColumnKind kind, bool codeUnits);
+    Cell ReadText(sqlite3_stmt* statement, int column, bool codeUnits);
 
     std::size_t width = 0;
     std::vector<std::int64_t> rowIds;

@@ -4,6 +4,7 @@
 #include "platform/database/sqlite/snapshot.h"
 #include "platform/database/sqlite/table_recordset.h"
 #include "platform/database/sqlite/tokens.h"
+#include "platform/database/sqlite/unchanged_rows.h"
 #include "platform/files/utf8.h"
 
 #include <optional>
@@ -151,47 +152,17 @@ SqliteDatabase::QueryPlan SqliteDatabase::MakePlan(const Statement& select,
     if (!shape) {
         return plan;
     }
-    // The keys alone are cheapest. But an ORDER BY may name a column by its position or by its
-    // alias, and then the columns have to be there.
-    bool keysAlone = !query.ordersByPosition;
-    for (const Field& field : shape->fields) {
-        const std::string alias = files::ToUtf8Lossy(field.name);
-        const bool renames = sqlite3_stricmp(alias.c_str(), field.column.c_str()) != 0;
-        if (renames && sqlite3_table_column_metadata(
-                           connection->Handle(), "main", query.table.c_str(), alias.c_str(),
-                           nullptr, nullptr, nullptr, nullptr, nullptr) == SQLITE_OK) {
-            keysAlone = false;
-        }
-    }
-    std::string tail = query.text.substr(query.fromOffset);
-    if (!query.isOrdered) {
-        // Not in the order of whatever index happens to hold all that the keys need.
-        tail += " ORDER BY " + shape->rowId;
-    }
-    plan.keysSql = "SELECT " + shape->rowId + " " + tail;
-    if (!keysAlone || !connection->TryPrepare(plan.keysSql)) {
-        plan.keyColumn = static_cast<int>(shape->fields.size());
-        plan.keysSql = query.text.substr(0, query.fromOffset) + ", " + shape->rowId + " " + tail;
-    }
+    plan.keys = MakeKeyQuery(*connection, query, *shape);
     plan.shape = shape;
     return plan;
 }
 
 std::unique_ptr<Recordset> SqliteDatabase::OpenDynaset(const QueryPlan& plan,
                                                        const Translation& query) {
-    const Statement statement = connection->Prepare(plan.keysSql, OpenWork);
-    if (!statement || !connection->Bind(statement, query.literals, OpenWork)) {
-        return nullptr;
-    }
     std::vector<std::int64_t> keys;
-    Step step;
-    while ((step = connection->Next(statement, OpenWork)) == Step::Row) {
-        keys.push_back(sqlite3_column_int64(statement.Get(), plan.keyColumn));
-    }
-    if (step == Step::Failed) {
+    if (!ReadKeys(*connection, plan.keys, query.literals, keys)) {
         return nullptr;
     }
-    keys.shrink_to_fit();
     return std::make_unique<Dynaset>(connection, plan.shape, std::move(keys));
 }
 
@@ -208,7 +179,7 @@ std::unique_ptr<Recordset> SqliteDatabase::OpenSnapshot(const Translation& query
     RowBlock rows;
     Step step;
     while ((step = connection->Next(statement, OpenWork)) == Step::Row) {
-        rows.Append(0, statement.Get(), 0, kinds);
+        rows.Append(0, statement.Get(), 0, kinds, connection->KeepsCodeUnits());
     }
     if (step == Step::Failed) {
         return nullptr;
@@ -228,7 +199,8 @@ bool SqliteDatabase::Execute(std::u16string_view query) {
         if (translation.kind == Translation::Kind::Definition) {
             return RunDefinition(translation.text);
         }
-        const Statement statement = connection->Prepare(translation.text, ExecuteWork);
+        const Statement statement =
+            connection->Prepare(SkipUnchangedRows(*connection, translation), ExecuteWork);
         return statement && connection->Bind(statement, translation.literals, ExecuteWork) &&
                connection->Run(statement, ExecuteWork);
     });
@@ -303,7 +275,7 @@ std::vector<std::u16string> SqliteDatabase::Names(std::string_view sql,
         const std::vector<ColumnKind> kinds = {ColumnKind::Text};
         while (connection->Next(statement, SchemaWork) == Step::Row) {
             RowBlock row;
-            row.Append(0, statement.Get(), 0, kinds);
+            row.Append(0, statement.Get(), 0, kinds, connection->KeepsCodeUnits());
             const FieldValue value = row.Get(0, 0);
             if (const auto* text = std::get_if<std::u16string_view>(&value)) {
                 names.emplace_back(*text);

@@ -4,6 +4,7 @@
 
 #include "platform/database/sqlite/connection.h"
 #include "platform/database/sqlite/dialect.h"
+#include "platform/database/sqlite/key_query.h"
 #include "platform/database/sqlite/table_shape.h"
 
 #include <memory>
@@ -35,8 +36,7 @@ class SqliteDatabase final : public Database {
     /// What is known of a query by its text: where its rows come from, and how their keys are read.
     struct QueryPlan {
         std::shared_ptr<const TableShape> shape;  ///< null: the values are read at opening
-        std::string keysSql;
-        int keyColumn = 0;
+        KeyQuery keys;
     };
     static constexpr std::size_t PlansKept = 64;
 
