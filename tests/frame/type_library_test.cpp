@@ -1,29 +1,39 @@
 // The type library, read as a client reads it.
 
-#include <generalutilities/automation/pointers.h>
 #include <generalutilities/interfaces/class_ids.h>
 #include <generalutilities/interfaces/ext_view_helper.h>
 #include <generalutilities/interfaces/string_utils.h>
 
-#include <gtest/gtest.h>
+#include "values.h"
+
 #include <map>
 
 namespace generalutilities {
 namespace {
 
-std::u16string Wide(const std::string& text) {
-    return {text.begin(), text.end()};
-}
-
 class TypeLibraryTest : public testing::Test {
   protected:
     void SetUp() override {
-        ASSERT_EQ(LoadTypeLib(Wide(MODULE_PATH).c_str(), library.Out()), S_OK);
+        const std::string path = MODULE_PATH;
+        ASSERT_EQ(LoadTypeLib(std::u16string(path.begin(), path.end()).c_str(), library.Out()),
+                  S_OK);
     }
     ComPtr<ITypeInfo> Type(REFGUID guid) {
         ComPtr<ITypeInfo> info;
         EXPECT_EQ(library->GetTypeInfoOfGuid(guid, info.Out()), S_OK);
         return info;
+    }
+    static TYPEATTR Attributes(ITypeInfo* info) {
+        TYPEATTR* attributes = nullptr;
+        EXPECT_EQ(info->GetTypeAttr(&attributes), S_OK);
+        const TYPEATTR copy = *attributes;
+        info->ReleaseTypeAttr(attributes);
+        return copy;
+    }
+    static ComPtr<ITypeInfo> Referred(ITypeInfo* info, HREFTYPE reference) {
+        ComPtr<ITypeInfo> referred;
+        EXPECT_EQ(info->GetRefTypeInfo(reference, referred.Out()), S_OK);
+        return referred;
     }
     static std::u16string Name(ITypeInfo* info, MEMBERID member = MEMBERID_NIL) {
         Bstr name;
@@ -31,16 +41,16 @@ class TypeLibraryTest : public testing::Test {
         return name.Text();
     }
     ComPtr<ITypeLib> library;
+    Bstr name, help;
 };
 
 TEST_F(TypeLibraryTest, HoldsTwentyEightTypes) {
     EXPECT_EQ(library->GetTypeInfoCount(), 28u);
     std::map<TYPEKIND, int> kinds;
+    TYPEKIND kind{};
     for (std::uint32_t i = 0; i < 28; ++i) {
-        TYPEKIND kind{};
         ASSERT_EQ(library->GetTypeInfoType(i, &kind), S_OK);
         ++kinds[kind];
-        Bstr name, help;
         ASSERT_EQ(library->GetDocumentation(static_cast<std::int32_t>(i), name.Out(), help.Out(),
                                             nullptr, nullptr),
                   S_OK);
@@ -56,7 +66,6 @@ TEST_F(TypeLibraryTest, HoldsTwentyEightTypes) {
                                               {TKIND_RECORD, 1},
                                               {TKIND_ENUM, 4},
                                               {TKIND_ALIAS, 2}}));
-    Bstr name, help;
     library->GetDocumentation(-1, name.Out(), help.Out(), nullptr, nullptr);
     EXPECT_EQ(name.View(), u"GeneralUtilities");
     EXPECT_EQ(help.View(), u"Quillon General Utilities Library");
@@ -66,7 +75,6 @@ TEST_F(TypeLibraryTest, HoldsTwentyEightTypes) {
     EXPECT_EQ(attributes->wMajorVerNum, 1);
     library->ReleaseTLibAttr(attributes);
 
-    TYPEKIND kind{};
     EXPECT_EQ(library->GetTypeInfoType(28, &kind), TYPE_E_ELEMENTNOTFOUND);
     ComPtr<ITypeInfo> none;
     EXPECT_EQ(library->GetTypeInfoOfGuid(GUID_NULL, none.Out()), TYPE_E_ELEMENTNOTFOUND);
@@ -75,41 +83,30 @@ TEST_F(TypeLibraryTest, HoldsTwentyEightTypes) {
 
 TEST_F(TypeLibraryTest, ClassesNameTheirInterfaces) {
     const auto helper = Type(CLSID_ExtViewHelper);
-    TYPEATTR* attributes = nullptr;
-    ASSERT_EQ(helper->GetTypeAttr(&attributes), S_OK);
-    EXPECT_EQ(attributes->typekind, TKIND_COCLASS);
-    EXPECT_EQ(attributes->cImplTypes, 2);
-    EXPECT_EQ(attributes->wTypeFlags, TYPEFLAG_FCANCREATE);
-    helper->ReleaseTypeAttr(attributes);
+    EXPECT_EQ(Attributes(helper.Get()).cImplTypes, 2);
+    EXPECT_EQ(Attributes(helper.Get()).wTypeFlags, TYPEFLAG_FCANCREATE);
     const std::pair<const char16_t*, std::int32_t> expected[] = {
         {u"IExtViewHelper", IMPLTYPEFLAG_FDEFAULT},
         {u"_IExtViewHelperEvents", IMPLTYPEFLAG_FDEFAULT | IMPLTYPEFLAG_FSOURCE}};
     for (std::uint32_t i = 0; i < 2; ++i) {
         HREFTYPE reference = 0;
         std::int32_t flags = 0;
-        ComPtr<ITypeInfo> implemented;
         ASSERT_EQ(helper->GetRefTypeOfImplType(i, &reference), S_OK);
         ASSERT_EQ(helper->GetImplTypeFlags(i, &flags), S_OK);
-        ASSERT_EQ(helper->GetRefTypeInfo(reference, implemented.Out()), S_OK);
-        EXPECT_EQ(Name(implemented.Get()), expected[i].first);
+        EXPECT_EQ(Name(Referred(helper.Get(), reference).Get()), expected[i].first);
         EXPECT_EQ(flags, expected[i].second);
     }
     const auto utils = Type(CLSID_StringUtils);
-    ASSERT_EQ(utils->GetTypeAttr(&attributes), S_OK);
-    EXPECT_EQ(attributes->wTypeFlags, TYPEFLAG_FCANCREATE | TYPEFLAG_FAPPOBJECT);
-    utils->ReleaseTypeAttr(attributes);
+    EXPECT_EQ(Attributes(utils.Get()).wTypeFlags, TYPEFLAG_FCANCREATE | TYPEFLAG_FAPPOBJECT);
     ComPtr<IStringUtils> created;
     EXPECT_EQ(utils->CreateInstance(nullptr, IID_IStringUtils, created.OutVoid()), S_OK);
 }
 
 TEST_F(TypeLibraryTest, MethodsTellTheirArgumentsAndDefaults) {
     const auto utils = Type(IID_IStringUtils);
-    TYPEATTR* attributes = nullptr;
-    ASSERT_EQ(utils->GetTypeAttr(&attributes), S_OK);
-    EXPECT_EQ(attributes->cFuncs, 23);
-    EXPECT_EQ(attributes->wTypeFlags,
+    EXPECT_EQ(Attributes(utils.Get()).cFuncs, 23);
+    EXPECT_EQ(Attributes(utils.Get()).wTypeFlags,
               TYPEFLAG_FDUAL | TYPEFLAG_FOLEAUTOMATION | TYPEFLAG_FDISPATCHABLE);
-    utils->ReleaseTypeAttr(attributes);
 
     FUNCDESC* function = nullptr;
     ASSERT_EQ(utils->GetFuncDesc(21, &function), S_OK);  // ToIndex
@@ -127,15 +124,13 @@ TEST_F(TypeLibraryTest, MethodsTellTheirArgumentsAndDefaults) {
     utils->ReleaseFuncDesc(function);
 
     ASSERT_EQ(utils->GetFuncDesc(19, &function), S_OK);  // ParseString: an alias behind a pointer
-    ComPtr<ITypeInfo> alias, enumeration;
     const TYPEDESC* const wordType = function->lprgelemdescParam[3].tdesc.lptdesc;
     ASSERT_EQ(wordType->vt, VT_USERDEFINED);
-    ASSERT_EQ(utils->GetRefTypeInfo(wordType->hreftype, alias.Out()), S_OK);
+    const auto alias = Referred(utils.Get(), wordType->hreftype);
     utils->ReleaseFuncDesc(function);
-    ASSERT_EQ(alias->GetTypeAttr(&attributes), S_OK);
-    EXPECT_EQ(attributes->typekind, TKIND_ALIAS);
-    ASSERT_EQ(alias->GetRefTypeInfo(attributes->tdescAlias.hreftype, enumeration.Out()), S_OK);
-    alias->ReleaseTypeAttr(attributes);
+    const TYPEATTR meaning = Attributes(alias.Get());
+    EXPECT_EQ(meaning.typekind, TKIND_ALIAS);
+    const auto enumeration = Referred(alias.Get(), meaning.tdescAlias.hreftype);
     EXPECT_EQ(Name(enumeration.Get()), u"WordTypeEnum");
     VARDESC* constant = nullptr;
     ASSERT_EQ(enumeration->GetVarDesc(4, &constant), S_OK);
@@ -148,17 +143,13 @@ TEST_F(TypeLibraryTest, MethodsTellTheirArgumentsAndDefaults) {
     ASSERT_EQ(utils->GetNames(14, names, 8, &count), S_OK);
     ASSERT_EQ(count, 6u);
     EXPECT_EQ(std::u16string(names[5]), u"CodeContents");
-    for (BSTR name : names) {
-        SysFreeString(name);
-    }
+    std::for_each(names, names + count, SysFreeString);
     EXPECT_EQ(utils->GetFuncDesc(23, &function), TYPE_E_ELEMENTNOTFOUND);
     EXPECT_EQ(utils->GetNames(99, names, 8, &count), TYPE_E_ELEMENTNOTFOUND);
 }
 
 TEST_F(TypeLibraryTest, AnObjectGivesTheInformationOfItsDefaultInterface) {
-    ComPtr<IDispatch> helper;
-    ASSERT_EQ(CoCreateInstance(CLSID_ExtViewHelper, nullptr, 1, IID_IDispatch, helper.OutVoid()),
-              S_OK);
+    const auto helper = Create<IDispatch>(CLSID_ExtViewHelper, IID_IDispatch);
     std::uint32_t count = 0;
     EXPECT_EQ(helper->GetTypeInfoCount(&count), S_OK);
     EXPECT_EQ(count, 1u);
@@ -168,14 +159,12 @@ TEST_F(TypeLibraryTest, AnObjectGivesTheInformationOfItsDefaultInterface) {
     EXPECT_EQ(Name(info.Get()), u"IExtViewHelper");
 
     // Late binding through the type information alone, on the default interface.
-    ComPtr<IExtViewHelper> typed;
-    helper->QueryInterface(IID_IExtViewHelper, typed.OutVoid());
+    const auto typed = helper.As<IExtViewHelper>(IID_IExtViewHelper);
     DISPPARAMS none{nullptr, nullptr, 0, 0};
     VARIANT font{};
     ASSERT_EQ(info->Invoke(typed.Get(), 2, DISPATCH_PROPERTYGET, &none, &font, nullptr, nullptr),
               S_OK);
-    EXPECT_EQ(std::u16string(font.bstrVal), u"Tahoma");
-    VariantClear(&font);
+    EXPECT_EQ(TakeText(font), u"Tahoma");
 }
 
 }  // namespace

@@ -6,10 +6,9 @@
 #include <generalutilities/project/inputs.h>
 
 #include "database/temporary_folder.h"
+#include "platform/files/utf8.h"
 
-#include <fstream>
 #include <gtest/gtest.h>
-#include <iterator>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -17,17 +16,6 @@
 
 /// Files and projects for the tests of this folder.
 namespace generalutilities {
-
-inline void WriteFile(std::u16string_view path, std::string_view bytes) {
-    std::ofstream file(files::ToUtf8Lossy(path), std::ios::binary);
-    file << bytes;
-    ASSERT_TRUE(file.good());
-}
-
-inline std::string ReadFile(std::u16string_view path) {
-    std::ifstream file(files::ToUtf8Lossy(path), std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
 
 inline std::u16string DataFile(std::u16string_view name) {
     return files::FromUtf8(TEST_DATA_DIR "/") + std::u16string(name);

@@ -1,0 +1,86 @@
+#pragma once
+
+#include <generalutilities/automation/pointers.h>
+
+#include <algorithm>
+#include <gtest/gtest.h>
+#include <initializer_list>
+#include <string>
+#include <vector>
+
+/// Values and calls as tests write them down.
+namespace generalutilities {
+
+inline VARIANT Of(int type, std::int64_t value = 0) {
+    VARIANT v{};
+    v.vt = static_cast<VARTYPE>(type);
+    v.llVal = value;
+    return v;
+}
+inline VARIANT Long(std::int32_t value) {
+    return Of(VT_I4, static_cast<std::uint32_t>(value));
+}
+/// A value by reference, of the given type.
+inline VARIANT Ref(int type, void* place) {
+    VARIANT v = Of(VT_BYREF | type);
+    v.byref = place;
+    return v;
+}
+/// A text that the caller of the test owns.
+inline VARIANT Borrowed(const Bstr& text) {
+    VARIANT v = Of(VT_BSTR);
+    v.bstrVal = text.Get();
+    return v;
+}
+
+struct Answer {
+    HRESULT status = S_OK;
+    VARIANT result{};
+    EXCEPINFO exception{};
+    std::uint32_t badArgument = 777;
+};
+
+/// Invokes with the arguments in their own order, the last `ids.size()` of them named.
+inline Answer Call(IDispatch* object, DISPID member, std::uint16_t flags,
+                   std::vector<VARIANT> arguments = {}, std::vector<DISPID> ids = {}) {
+    std::reverse(arguments.begin(), arguments.end());
+    std::reverse(ids.begin(), ids.end());
+    DISPPARAMS parameters{arguments.data(), ids.data(),
+                          static_cast<std::uint32_t>(arguments.size()),
+                          static_cast<std::uint32_t>(ids.size())};
+    Answer answer;
+    answer.status = object->Invoke(member, GUID_NULL, 0, flags, &parameters, &answer.result,
+                                   &answer.exception, &answer.badArgument);
+    return answer;
+}
+
+/// The text of a result, which is freed.
+inline std::u16string TakeText(VARIANT& value) {
+    EXPECT_EQ(value.vt, VT_BSTR);
+    const std::u16string text = value.vt == VT_BSTR ? value.bstrVal : u"";
+    VariantClear(&value);
+    return text;
+}
+
+template <class Interface>
+ComPtr<Interface> Create(REFCLSID clsid, REFIID iid) {
+    ComPtr<Interface> object;
+    EXPECT_EQ(CoCreateInstance(clsid, nullptr, CLSCTX_INPROC_SERVER, iid, object.OutVoid()), S_OK);
+    return object;
+}
+
+/// The report that the latest failure left on this thread: "source: words", or nothing.
+inline std::u16string Report(IID* interface = nullptr) {
+    ComPtr<IErrorInfo> error;
+    if (GetErrorInfo(0, error.Out()) != S_OK) {
+        return u"nothing";
+    }
+    Bstr text, source;
+    IID iid{};
+    error->GetDescription(text.Out());
+    error->GetSource(source.Out());
+    error->GetGUID(interface == nullptr ? &iid : interface);
+    return source.Text() + u": " + text.Text();
+}
+
+}  // namespace generalutilities
