@@ -5,16 +5,18 @@
 #include <generalutilities/text/code_page_fit.h>
 #include <generalutilities/text/digits.h>
 #include <generalutilities/text/distance.h>
-#include <generalutilities/text/folding.h>
 #include <generalutilities/text/languages.h>
 #include <generalutilities/text/random_text.h>
 #include <generalutilities/text/search.h>
 #include <generalutilities/text/words.h>
 
 #include "platform/string_tables/string_tables.h"
+#include "text/fold_into.h"
 
 #include <algorithm>
 #include <ctime>
+#include <limits>
+#include <utility>
 
 namespace generalutilities {
 
@@ -77,13 +79,36 @@ ByteTextForm TextForm(VARIANT_BOOL noConversion) {
     return noConversion == VARIANT_TRUE ? ByteTextForm::Widened : ByteTextForm::AnsiText;
 }
 
-template <std::u16string (*Fold)(std::u16string_view)>
-HRESULT Folded(BSTR in, BSTR* out) noexcept {
+/// The fold is written straight into the new string, which is enlarged only for a text that grows.
+/// Removing accents promises what there is when that fails; a change of case promises nothing.
+HRESULT GiveFolded(Fold fold, BSTR in, BSTR* out) noexcept {
     if (out == nullptr) {
         return E_POINTER;
     }
-    *out = nullptr;
-    return Guarded([&] { return Give(Fold(View(in)), out); });
+    const std::u16string_view text = View(in);
+    *out = SysAllocStringLen(nullptr, static_cast<std::uint32_t>(text.size()));
+    if (*out == nullptr) {
+        return E_OUTOFMEMORY;
+    }
+    const std::size_t done = FoldPrefix(fold, text, *out);
+    if (done == text.size()) {
+        return S_OK;
+    }
+    const std::u16string_view rest = text.substr(done);
+    const std::size_t length = done + FoldedLength(fold, rest);
+    const auto resize = [out](std::size_t units) {
+        return units <= std::numeric_limits<std::uint32_t>::max() &&
+               SysReAllocStringLen(out, nullptr, static_cast<std::uint32_t>(units)) != 0;
+    };
+    if (!resize(length)) {
+        if (fold != Fold::Upper && resize(done)) {
+            return S_FALSE;
+        }
+        SysFreeString(std::exchange(*out, nullptr));
+        return E_OUTOFMEMORY;
+    }
+    FoldTo(fold, rest, *out + done);
+    return S_OK;
 }
 
 /// What `GenerateString` of all objects on the thread draws from.
@@ -202,22 +227,22 @@ HRESULT CStringUtils::IsStringInCodePage(BSTR bstrIn, std::int32_t cp,
 }
 
 HRESULT CStringUtils::DeAccentString(BSTR bstrIn, BSTR* pbstrOut) noexcept {
-    return Folded<generalutilities::DeAccentString>(bstrIn, pbstrOut);
+    return GiveFolded(Fold::DeAccent, bstrIn, pbstrOut);
 }
 
 HRESULT CStringUtils::ToUpper(BSTR s, BSTR* p) noexcept {
-    return Folded<generalutilities::ToUpper>(s, p);
+    return GiveFolded(Fold::Upper, s, p);
 }
 
 HRESULT CStringUtils::ToLower(BSTR s, BSTR* p) noexcept {
-    return Folded<generalutilities::ToLower>(s, p);
+    return GiveFolded(Fold::Lower, s, p);
 }
 
 HRESULT CStringUtils::DeAccentUpperCaseString(BSTR* pbstrIn, BSTR* pbstrOut) noexcept {
     if (pbstrIn == nullptr) {
         return E_POINTER;
     }
-    return Folded<generalutilities::DeAccentUpperCaseString>(*pbstrIn, pbstrOut);
+    return GiveFolded(Fold::DeAccentUpper, *pbstrIn, pbstrOut);
 }
 
 HRESULT CStringUtils::put_TTXIgnoreFonts(VARIANT_BOOL newVal) noexcept {

@@ -1,16 +1,21 @@
 #include <generalutilities/text/folding.h>
 
+#include "text/cpu.h"
+#include "text/fold_into.h"
+
 #include <gtest/gtest.h>
 #include <numeric>
+#include <random>
 #include <string>
+#include <vector>
 
 namespace generalutilities {
 namespace {
 
-using Fold = std::u16string (*)(std::u16string_view);
+using Function = std::u16string (*)(std::u16string_view);
 
 struct FoldCase {
-    Fold fold;
+    Function fold;
     std::u16string_view text;
     std::u16string_view expected;
 };
@@ -53,7 +58,7 @@ TEST(Folding, KeepsWhatHasNoRow) {
     using namespace std::string_view_literals;
     const std::u16string lone = {0xD800, u'x', 0xDC00, 0xDFFF, 0xD83D, 0xFFFF};
     const std::u16string loneUpper = {0xD800, u'X', 0xDC00, 0xDFFF, 0xD83D, 0xFFFF};
-    for (const Fold fold : {ToUpper, ToLower, DeAccentString, DeAccentUpperCaseString}) {
+    for (const Function fold : {ToUpper, ToLower, DeAccentString, DeAccentUpperCaseString}) {
         EXPECT_EQ(fold(u""), u"");
         const bool upper = fold == ToUpper || fold == DeAccentUpperCaseString;
         EXPECT_EQ(fold(lone), upper ? loneUpper : lone);
@@ -72,7 +77,7 @@ std::u16string AllUnits() {
 
 TEST(Folding, FoldsATextUnitByUnit) {
     const std::u16string all = AllUnits();
-    for (const Fold fold : {ToUpper, ToLower, DeAccentString, DeAccentUpperCaseString}) {
+    for (const Function fold : {ToUpper, ToLower, DeAccentString, DeAccentUpperCaseString}) {
         std::u16string joined;
         for (const char16_t unit : all) {
             joined += fold({&unit, 1});
@@ -88,6 +93,47 @@ TEST(Folding, UpperWithoutAccentsIsUpperOfWithoutAccents) {
         const std::u16string_view text(&unit, 1);
         ASSERT_EQ(DeAccentUpperCaseString(text), ToUpper(DeAccentString(text)))
             << std::hex << static_cast<unsigned>(unit);
+    }
+}
+
+/// A text of units that stand together in real ones, and sometimes of any: runs of one range, cut
+/// short at random.
+std::u16string RandomText(std::mt19937& random) {
+    const std::pair<char16_t, char16_t> ranges[] = {
+        {0x20, 0x7F},     {0x20, 0x40},   {0x80, 0x24F},    {0x370, 0x3FF},
+        {0x400, 0x4FF},   {0x530, 0x58F}, {0x2000, 0x206F}, {0x3000, 0x9FFF},
+        {0xD700, 0xFFFF}, {0, 0xFFFF},    {0xDF, 0xDF},     {0xB5, 0xB7}};
+    std::u16string text;
+    const std::size_t scripts = 1 + random() % 3;
+    const std::size_t size = random() % 300;
+    while (text.size() < size) {
+        const auto [first, last] = ranges[(random() % scripts * 5 + size) % std::size(ranges)];
+        for (auto run = random() % 80; run-- > 0;) {
+            text += static_cast<char16_t>(first + random() % (last - first + 1u));
+        }
+    }
+    return text;
+}
+
+TEST(Folding, ByBlocksIsTheSameAsPlainly) {
+    if (!HasAvx2()) {
+        GTEST_SKIP() << "no processor for the vector form";
+    }
+    const unsigned seed = std::random_device()();
+    SCOPED_TRACE(seed);
+    std::mt19937 random(seed);
+    for (int i = 0; i < 20000; ++i) {
+        const std::u16string text = RandomText(random);
+        for (const Fold fold : {Fold::Upper, Fold::Lower, Fold::DeAccent, Fold::DeAccentUpper}) {
+            // Of exactly the promised size, so that a sanitizer sees what is written beyond.
+            std::vector<char16_t> plain(text.size());
+            std::vector<char16_t> blocks(text.size());
+            const std::size_t done = FoldPrefixPlainly(fold, text, plain.data());
+            ASSERT_EQ(FoldPrefixByBlocks(fold, text, blocks.data()), done);
+            plain.resize(done);
+            blocks.resize(done);
+            ASSERT_EQ(blocks, plain);
+        }
     }
 }
 

@@ -25,7 +25,10 @@ char* BlockOf(BSTR string) {
 void SetByteLength(char* block, std::uint32_t bytes) {
     std::memcpy(block + 4, &bytes, sizeof bytes);
     // Two zero bytes end the text; for an odd byte length a third keeps the last unit whole.
-    std::memset(block + HeaderSize + bytes, 0, bytes % 2 == 0 ? 2 : 3);
+    std::memset(block + HeaderSize + bytes, 0, 2);
+    if (bytes % 2 != 0) {
+        block[HeaderSize + bytes + 2] = 0;
+    }
 }
 
 /// Space for `bytes` bytes of text, closed by zeros, content undefined; null when memory is out.
