@@ -38,23 +38,17 @@ TEST(CommandLine, WrongUseIsToldWithoutRunningAnything) {
     Check({
         {{}, 2, "", "subcommand is required"},
         {{"nonsense"}, 2, "", "\"nonsense\" is no command"},
-        {{"nonsense", "--help"}, 2, "", "\"nonsense\" is no command"},
         {{"--nonsense"}, 2, "", "\"--nonsense\" is no option"},
-        {{"--version", "--nonsense"}, 2, "", "--nonsense"},
         {{"export", "p", "--nonsense"}, 2, "", "\"--nonsense\" is no option"},
         {{"classes", "A", "B"}, 2, "", "\"B\""},
         {{"text"}, 2, "", "Try: genutil text --help"},
-        {{"text", "reverse", "x"}, 2, "", "reverse"},
         {{"text", "upper", "--size", "3"}, 2, "", "--size"},
         {{"text", "key", "--size", "0", "x"}, 2, "", "--size"},
-        {{"text", "key", "--size", "many", "x"}, 2, "", "--size"},
         {{"text", "words", "--language", "xx-YY", "x"}, 2, "", "\"xx-YY\" is no known language"},
         {{"text", "words", "--language", "70000", "x"}, 2, "", "no known language"},
-        {{"text", "words", "--language", "", "x"}, 2, "", "--language"},
         {{"text", "upper", "good", "b\xFF"}, 2, "", "TEXT 2, byte offset 1: not valid UTF-8"},
         {{"language", "name", "klingon"}, 2, "", "\"klingon\" is no known language"},
         {{"export", "p"}, 2, "", "required"},
-        {{"export", "p", "-o", "x", "-l", "klingon"}, 2, "", "klingon"},
         {{"export", "p", "-o", "x", "-l", "fr", "--color-exact", "red"}, 2, "", "#RRGGBB"},
         {{"export", "p", "-o", "x", "-l", "fr", "--source-font", "A;B"}, 2, "", "A;B"},
         {{"export", "p", "-o", "x", "-l", "fr", "--status-value"}, 2, "", "--status-column"},
@@ -80,21 +74,16 @@ TEST(CommandLine, HelpSuffices) {
         EXPECT_THAT(result.output, HasSubstr("Usage: genutil " + command)) << command;
         EXPECT_EQ(result.error, "") << command;
     }
-    for (const std::string command : {"export", "import", "text", "classes"}) {
-        EXPECT_THAT(Genutil({command, "--help"}).output, HasSubstr("Example")) << command;
-    }
 }
 
 TEST(CommandLine, ConvertsTexts) {
     Check({
         {{"text", "upper", "straße", "éa"}, 0, "STRASSE\nÉA\n", ""},
-        {{"text", "lower", "ΑΘΉΝΑ"}, 0, "αθήνα\n", ""},
         {{"text", "deaccent", "Crème brûlée"}, 0, "Creme brulee\n", ""},
         {{"text", "simplify", "「a」"}, 0, "(a)\n", ""},
         {{"text", "simplify", "--language", "el-GR", "τι;"}, 0, "τι?\n", ""},
         {{"text", "key", "  {1}Hello   42 worlds "}, 0, "Hello worlds\n", ""},
         {{"text", "key", "--size", "2", "ab cd"}, 0, "ab\n", ""},
-        {{"text", "key", "12 34"}, 0, "\n", ""},
         {{"text", "upper"}, 0, "AB\n\nCD\n", "", "ab\n\r\ncd"},
         {{"text", "words", "--language", "fr-FR", "l'homme a 1 000,50 {1}"},
          0,
@@ -185,16 +174,14 @@ TEST(CommandLine, OutputThatCannotBeWrittenIsAFailure) {
 }
 
 TEST(CommandLine, ColoursOnATerminalAlone) {
-    const std::vector<std::string> command{"classes", "StringUtils"};
-    EXPECT_THAT(
-        Genutil(command, {.environment = {"TERM=xterm", "NO_COLOR="}, .terminal = true}).output,
-        HasSubstr("\x1b["));
-    EXPECT_THAT(
-        Genutil(command, {.environment = {"TERM=xterm", "NO_COLOR=1"}, .terminal = true}).output,
-        Not(HasSubstr("\x1b[")));
-    EXPECT_THAT(
-        Genutil(command, {.environment = {"TERM=dumb", "NO_COLOR="}, .terminal = true}).output,
-        Not(HasSubstr("\x1b[")));
+    const auto output = [](std::vector<std::string> environment) {
+        return Genutil({"classes", "StringUtils"},
+                       {.environment = std::move(environment), .terminal = true})
+            .output;
+    };
+    EXPECT_THAT(output({"TERM=xterm", "NO_COLOR="}), HasSubstr("\x1b["));
+    EXPECT_THAT(output({"TERM=xterm", "NO_COLOR=1"}), Not(HasSubstr("\x1b[")));
+    EXPECT_THAT(output({"TERM=dumb", "NO_COLOR="}), Not(HasSubstr("\x1b[")));
 }
 
 }  // namespace

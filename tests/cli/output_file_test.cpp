@@ -1,7 +1,7 @@
 #include "output_file.h"
 
+#include "database/temporary_folder.h"
 #include "failure.h"
-#include "program.h"
 
 #include <fstream>
 #include <gtest/gtest.h>
@@ -12,9 +12,6 @@
 
 namespace generalutilities::cli {
 namespace {
-
-using cli_test::ReadFile;
-using cli_test::TemporaryFolder;
 
 void Fill(const OutputFile& file, const std::string& content) {
     std::ofstream(file.Path(), std::ios::binary) << content;

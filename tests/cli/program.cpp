@@ -2,8 +2,6 @@
 
 #include <cerrno>
 #include <fcntl.h>
-#include <fstream>
-#include <iterator>
 #include <poll.h>
 #include <pty.h>
 #include <signal.h>
@@ -27,41 +25,27 @@ std::pair<int, int> MakePipe() {
 }
 
 /// Feeds standard input and gathers what comes back, none of which may wait for the other.
-void Exchange(int inputEnd, const std::string& input, int outputEnd, int errorEnd, Result& result) {
-    std::size_t sent = 0;
+void Exchange(int inputEnd, std::string_view input, int outputEnd, int errorEnd, Result& result) {
     pollfd ends[3] = {{inputEnd, POLLOUT, 0}, {outputEnd, POLLIN, 0}, {errorEnd, POLLIN, 0}};
-    const auto finish = [&](pollfd& end) {
-        if (end.fd >= 0) {
-            close(end.fd);
-            end.fd = -1;
-        }
-    };
-    const auto receive = [&](pollfd& end, std::string& text) {
-        char buffer[65536];
-        const ssize_t count = read(end.fd, buffer, sizeof buffer);
-        if (count > 0) {
-            text.append(buffer, static_cast<std::size_t>(count));
-        } else if (count == 0 || errno != EINTR) {
-            finish(end);  // a terminal whose program is gone gives an error instead of an end
-        }
-    };
-    if (sent == input.size()) {
-        finish(ends[0]);
-    }
+    std::string* const texts[] = {nullptr, &result.output, &result.error};
+    char buffer[65536];
     while (ends[0].fd >= 0 || ends[1].fd >= 0 || ends[2].fd >= 0) {
         poll(ends, 3, -1);
-        if (ends[0].fd >= 0 && ends[0].revents != 0) {
-            const ssize_t count = write(ends[0].fd, input.data() + sent, input.size() - sent);
-            sent += count > 0 ? static_cast<std::size_t>(count) : 0;
-            if (sent == input.size() || (count < 0 && errno != EINTR)) {
-                finish(ends[0]);
+        for (int i = 0; i < 3; ++i) {
+            if (ends[i].fd < 0 || ends[i].revents == 0) {
+                continue;
             }
-        }
-        if (ends[1].fd >= 0 && ends[1].revents != 0) {
-            receive(ends[1], result.output);
-        }
-        if (ends[2].fd >= 0 && ends[2].revents != 0) {
-            receive(ends[2], result.error);
+            const ssize_t count = i == 0 ? write(ends[0].fd, input.data(), input.size())
+                                         : read(ends[i].fd, buffer, sizeof buffer);
+            if (i > 0 && count > 0) {
+                texts[i]->append(buffer, static_cast<std::size_t>(count));
+            } else if (i == 0 && count > 0) {
+                input.remove_prefix(static_cast<std::size_t>(count));
+            }
+            // A terminal whose program is gone gives an error instead of an end.
+            if (i == 0 ? input.empty() || count < 0 : count <= 0) {
+                close(std::exchange(ends[i].fd, -1));
+            }
         }
     }
 }
@@ -92,78 +76,39 @@ void Exchange(int inputEnd, const std::string& input, int outputEnd, int errorEn
 
 }  // namespace
 
-TemporaryFolder::TemporaryFolder() {
-    std::string name = (std::filesystem::temp_directory_path() / "genutil-test-XXXXXX").string();
-    if (mkdtemp(name.data()) == nullptr) {
-        throw std::runtime_error("mkdtemp");
-    }
-    path = name;
-}
-
-TemporaryFolder::~TemporaryFolder() {
-    std::error_code ignored;
-    std::filesystem::remove_all(path, ignored);
-}
-
-std::string TemporaryFolder::Write(const std::string& name, const std::string& content) const {
-    std::ofstream(path / name, std::ios::binary) << content;
-    return *this / name;
-}
-
-std::size_t TemporaryFolder::FileCount() const {
-    return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator(path), {}));
-}
-
-std::string ReadFile(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
 Result Run(const std::string& program, const std::vector<std::string>& arguments,
            const Surroundings& surroundings) {
     signal(SIGPIPE, SIG_IGN);  // for our writing; the program gets the default again
     Result result;
-    int inputEnd = -1;
-    int outputEnd = -1;
-    int errorEnd = -1;
-    pid_t child = -1;
-    if (surroundings.terminal) {
-        child = forkpty(&outputEnd, nullptr, nullptr, nullptr);
-        if (child == 0) {
-            signal(SIGPIPE, SIG_DFL);
-            Execute(program, arguments, surroundings);
-        }
-    } else {
-        const auto input = MakePipe();
-        const auto output = MakePipe();
-        const auto error = MakePipe();
-        child = fork();
-        if (child == 0) {
-            signal(SIGPIPE, SIG_DFL);
+    std::pair<int, int> input{-1, -1}, output{-1, -1}, error{-1, -1};
+    if (!surroundings.terminal) {
+        input = MakePipe();
+        output = MakePipe();
+        error = MakePipe();
+    }
+    const pid_t child =
+        surroundings.terminal ? forkpty(&output.first, nullptr, nullptr, nullptr) : fork();
+    if (child == 0) {
+        signal(SIGPIPE, SIG_DFL);
+        if (!surroundings.terminal) {
             dup2(input.first, STDIN_FILENO);
             dup2(output.second, STDOUT_FILENO);
             dup2(error.second, STDERR_FILENO);
-            if (!surroundings.outputTo.empty()) {
-                dup2(open(surroundings.outputTo.c_str(), O_WRONLY), STDOUT_FILENO);
-            }
-            if (surroundings.brokenPipe) {
-                int ends[2];
-                if (pipe(ends) == 0) {
-                    close(ends[0]);
-                    dup2(ends[1], STDOUT_FILENO);
-                    close(ends[1]);
-                }
-            }
-            Execute(program, arguments, surroundings);
         }
-        close(input.first);
-        close(output.second);
-        close(error.second);
-        inputEnd = input.second;
-        outputEnd = output.first;
-        errorEnd = error.first;
+        if (!surroundings.outputTo.empty()) {
+            dup2(open(surroundings.outputTo.c_str(), O_WRONLY), STDOUT_FILENO);
+        }
+        if (surroundings.brokenPipe) {
+            const auto unread = MakePipe();
+            close(unread.first);
+            dup2(unread.second, STDOUT_FILENO);
+        }
+        Execute(program, arguments, surroundings);
     }
-    Exchange(inputEnd, surroundings.input, outputEnd, errorEnd, result);
+    for (const int end : {input.first, output.second, error.second}) {
+        close(end);
+    }
+    Exchange(input.second, surroundings.input, output.first, error.first, result);
     int status = 0;
     waitpid(child, &status, 0);
     result.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);

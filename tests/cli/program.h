@@ -1,33 +1,12 @@
 #pragma once
 
-#include <filesystem>
+#include "database/temporary_folder.h"
+
 #include <string>
 #include <vector>
 
 /// Runs the built genutil as a user would, in a folder of its own.
 namespace generalutilities::cli_test {
-
-/// A folder that is gone at the end of the test.
-class TemporaryFolder {
-  public:
-    TemporaryFolder();
-    ~TemporaryFolder();
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-
-    const std::filesystem::path& Path() const { return path; }
-    /// The path of a file in the folder, as an argument.
-    std::string operator/(const std::string& name) const { return (path / name).string(); }
-    /// Writes a file and gives its path.
-    std::string Write(const std::string& name, const std::string& content) const;
-    /// How many files the folder holds, hidden ones too.
-    std::size_t FileCount() const;
-
-  private:
-    std::filesystem::path path;
-};
-
-std::string ReadFile(const std::string& path);
 
 struct Surroundings {
     std::string input = {};                     ///< standard input

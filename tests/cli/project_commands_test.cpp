@@ -4,8 +4,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
-#include <sys/stat.h>
-#include <unistd.h>
 
 /// `genutil project`, `review` and `accept`, as a user meets them.
 namespace generalutilities::cli_test {
@@ -63,29 +61,25 @@ TEST_F(ProjectCommands, CreateSaysWhatIsWrongAndLeavesNothing) {
         {{table, "--source", "klingon"}, 2, "klingon"},
         {{"xx-YY=a.po"}, 2, "xx-YY"},
         {{"a.pot", "b.pot"}, 2, "only one template"},
-        {{folder / "absent.csv"}, 3, "absent.csv"},
         {{folder / "absent.po"}, 3, "absent.po"},
         {{folder.Write("b.csv", "source,target:fr\nx\n")}, 3, "b.csv, line 2"},
-        {{folder.Write("c.csv", "id,source,target:fr\n1,x,y\n1,z,w\n")}, 3, "c.csv, line 3"},
-        {{folder.Write("d.po", "msgid \"a\nmsgstr \"\"\n")}, 3, "d.po, line 2"},
-        {{folder.Write("e.po", "msgid \"a\"\nmsgstr \"b\"\n")}, 3, "fr="},
-        {{folder.Write("f.csv", "source,target:fr\nx,\xFF\n")}, 3, "UTF-8"},
         {{folder.Write("g.csv", "source,target\nx,y\n")}, 3, "target:fr-FR"},
     };
     const std::size_t files = folder.FileCount();
     for (const auto& test : cases) {
         const Result result = Create(test.arguments);
-        const std::string called = testing::PrintToString(test.arguments);
-        EXPECT_EQ(result.exitCode, test.exitCode) << called << result.error;
-        EXPECT_THAT(result.error, HasSubstr(test.error)) << called;
-        EXPECT_EQ(folder.FileCount(), files) << called;
+        EXPECT_EQ(result.exitCode, test.exitCode) << test.error << result.error;
+        EXPECT_THAT(result.error, HasSubstr(test.error));
+        EXPECT_EQ(folder.FileCount(), files) << test.error;
     }
     EXPECT_EQ(Create({folder / "g.csv", "--language", "fr"}).exitCode, 0);
-    const Result again = Create({table});
-    EXPECT_EQ(again.exitCode, 3);
-    EXPECT_THAT(again.error, HasSubstr("already"));
+    EXPECT_THAT(Create({table}).error, HasSubstr("already"));
     EXPECT_EQ(Create({table, "--force"}).exitCode, 0);
     EXPECT_EQ(folder.FileCount(), files + 1);
+
+    const Result none = Create({folder.Write("n.csv", "source,target:fr\n,\n"), "--force"});
+    EXPECT_EQ(none.exitCode, 1);
+    EXPECT_THAT(none.error, HasSubstr("1 rows without any text"));
 }
 
 TEST_F(ProjectCommands, CreateOnAFullDiskLeavesNothing) {
@@ -94,64 +88,54 @@ TEST_F(ProjectCommands, CreateOnAFullDiskLeavesNothing) {
         rows += "Sentence " + std::to_string(i) + "," + std::string(200, 'x') + "\n";
     }
     const std::string table = folder.Write("a.csv", rows);
-    for (const long limit : {0L, 4096L, 300000L}) {
+    for (const long limit : {0L, 300000L}) {
         const Result result = Create({table}, {.fileSizeLimit = limit});
         EXPECT_EQ(result.exitCode, 3) << result.error;
         EXPECT_EQ(folder.FileCount(), 1U) << result.error;
     }
-    EXPECT_EQ(Genutil({"project", "create", folder / "no/such/folder/p", table}).exitCode, 3);
 }
 
-TEST_F(ProjectCommands, CreateWithoutRowsIsANegativeAnswer) {
-    const Result result = Create({folder.Write("a.csv", "source,target:fr\n,\n")});
-    EXPECT_EQ(result.exitCode, 1);
-    EXPECT_THAT(result.error, HasSubstr("1 rows without any text"));
-}
-
-TEST_F(ProjectCommands, PlaceholdersBecomeCodesAndComeBack) {
+TEST_F(ProjectCommands, PlaceholdersBecomeCodes) {
     ASSERT_EQ(Create({folder.Write("f.po", Catalog), "--codes"}).exitCode, 0);
-    const Result shown = Genutil({"project", "rows", project, "--plain"});
-    EXPECT_THAT(shown.output, HasSubstr("000001\texact\tSave %s\tEnregistrer %s"));
-    const std::string file = folder / "r.rtf";
-    ASSERT_EQ(Genutil({"export", project, "-o", file, "-l", "fr"}).exitCode, 0);
-    std::string content = ReadFile(file);
-    content.replace(content.find("Enregistrer \\{1\\}"), 17, "\\{1\\} Sauver");
-    folder.Write("r.rtf", content);
-    ASSERT_EQ(Genutil({"import", project, file, "-l", "fr"}).exitCode, 0);
-    ASSERT_EQ(Genutil({"accept", project}).exitCode, 0);
+    EXPECT_THAT(Genutil({"project", "rows", project}).output, HasSubstr("Save ␆{1}␇%s␈"));
     EXPECT_THAT(Genutil({"project", "rows", project, "--plain"}).output,
-                HasSubstr("Save %s\t%s Sauver"));
+                HasSubstr("000001\texact\tSave %s\tEnregistrer %s"));
 }
 
 TEST_F(ProjectCommands, RowsAreFiltered) {
     const std::string path = MakeProject(folder);
-    const auto ids = [&](std::vector<std::string> more) {
-        more.insert(more.begin(), {"project", "rows", path, "--json", "-l", "fr"});
-        const Result result = Genutil(more);
-        std::string list;
-        const json document = json::parse(result.output);
-        for (const json& row : document["rows"]) {
-            list += row["id"].get<std::string>() + " ";
-        }
-        EXPECT_EQ(result.exitCode, list.empty() ? 1 : 0);
-        return list;
+    const struct {
+        std::vector<std::string> options;
+        int exitCode;
+        std::string ids;
+    } cases[] = {
+        {{"-l", "fr"}, 0, "A1 A2 A3 A4 A5 A6 L1 "},
+        {{"-l", "fr", "--file", "two.html"}, 0, "A4 A5 A6 "},
+        {{"-l", "fr", "--file", "lexicon"}, 0, "L1 "},
+        {{"-l", "fr", "--only-untranslated"}, 0, "A5 "},
+        {{"-l", "fr", "--status", "locked,fuzzy"}, 0, "A2 A6 "},
+        {{"-l", "fr", "--find", "VERROUILLÉE"}, 0, "A2 "},
+        {{"-l", "fr", "--skip", "1", "--limit", "2"}, 0, "A2 A3 "},
+        {{"-l", "fr", "--find", "nothing like it"}, 1, ""},
+        {{}, 2, ""},  // two languages to choose from
+        {{"-l", "ja"}, 3, ""},
+        {{"-l", "fr", "--file", "x"}, 3, ""},
+        {{"-l", "fr", "--status", "x"}, 2, ""},
+        {{"-l", "fr", "--limit", "-1"}, 2, ""},
     };
-    EXPECT_EQ(ids({}), "A1 A2 A3 A4 A5 A6 L1 ");
-    EXPECT_EQ(ids({"--file", "two.html"}), "A4 A5 A6 ");
-    EXPECT_EQ(ids({"--file", "lexicon"}), "L1 ");
-    EXPECT_EQ(ids({"--only-untranslated"}), "A5 ");
-    EXPECT_EQ(ids({"--status", "locked,fuzzy"}), "A2 A6 ");
-    EXPECT_EQ(ids({"--find", "VERROUILLÉE"}), "A2 ");
-    EXPECT_EQ(ids({"--skip", "1", "--limit", "2"}), "A2 A3 ");
-    EXPECT_EQ(ids({"--find", "nothing like it"}), "");
-    EXPECT_EQ(Genutil({"project", "rows", path}).exitCode, 2) << "two languages to choose from";
-    EXPECT_EQ(Genutil({"project", "rows", path, "-l", "ja"}).exitCode, 3);
-    EXPECT_EQ(Genutil({"project", "rows", path, "-l", "fr", "--file", "x"}).exitCode, 3);
-    EXPECT_EQ(Genutil({"project", "rows", path, "-l", "fr", "--status", "x"}).exitCode, 2);
-    EXPECT_EQ(Genutil({"project", "rows", path, "-l", "fr", "--limit", "-1"}).exitCode, 2);
+    for (const auto& test : cases) {
+        std::vector<std::string> arguments{"project", "rows", path, "--json"};
+        arguments.insert(arguments.end(), test.options.begin(), test.options.end());
+        const Result result = Genutil(arguments);
+        EXPECT_EQ(result.exitCode, test.exitCode) << testing::PrintToString(test.options);
+        std::string ids;
+        for (const json& row : result.exitCode > 1 ? json() : json::parse(result.output)["rows"]) {
+            ids += row["id"].get<std::string>() + " ";
+        }
+        EXPECT_EQ(ids, test.ids);
+    }
     EXPECT_THAT(Genutil({"project", "rows", path, "-l", "fr", "--find", "Two"}).output,
                 HasSubstr("Two␊lines\tDeux␊lignes"));
-    EXPECT_EQ(Genutil({"project", "info", folder / "absent"}).exitCode, 3);
     EXPECT_EQ(Genutil({"project", "info", folder.Write("x", "no project")}).exitCode, 3);
 }
 
@@ -190,25 +174,16 @@ TEST_F(Returned, ReviewMarksTheChangedWords) {
     EXPECT_EQ(document["format"], "genutil.review/1");
     EXPECT_EQ(document["language"], 1036);
     ASSERT_EQ(document["rows"].size(), 3U);
-    std::string rebuilt;
-    for (const json& stretch : document["rows"][0]["stretches"]) {
-        rebuilt += stretch["new"].get<std::string>();
-    }
-    EXPECT_EQ(rebuilt, document["rows"][0]["newTarget"]);
+    EXPECT_EQ(document["rows"][0]["stretches"][0]["new"], "Salut ");
     const Result coloured = Genutil({"review", project}, {.terminal = true});
     EXPECT_THAT(coloured.output, HasSubstr("\x1b[31mBonjour {1}"));
     EXPECT_THAT(coloured.output, Not(HasSubstr("[-")));
 }
 
-TEST_F(Returned, ReviewOfNothingIsANegativeAnswer) {
+TEST_F(Returned, AcceptTakesOverInOneGo) {
     EXPECT_EQ(Genutil({"review", project}).exitCode, 3) << "no import yet";
     Import({});
-    EXPECT_EQ(Genutil({"review", project}).exitCode, 1);
-    EXPECT_EQ(Genutil({"accept", project}).exitCode, 0);
-    EXPECT_EQ(Genutil({"review", project, "-l", "ja"}).exitCode, 3);
-}
-
-TEST_F(Returned, AcceptTakesOverInOneGo) {
+    EXPECT_EQ(Genutil({"review", project}).exitCode, 1) << "nothing to review";
     Import({{"Bonjour \\{1\\}monde", "Salut monde"}, {"Ligne", "Rang"}, {"Chapitre 1", "Tome 1"}});
     const std::string before = ReadFile(project);
     const Result dry = Genutil({"accept", project, "--dry-run", "--list"});
@@ -234,17 +209,13 @@ TEST_F(Returned, AcceptTakesOverInOneGo) {
     EXPECT_EQ(Genutil({"accept", project, "--id", "A1", "--id", "Z9"}).exitCode, 1);
 }
 
-TEST_F(Returned, AcceptRefusesWhatChangedMeanwhileAndWhatCannotBeWritten) {
+TEST_F(Returned, AcceptRefusesWhatChangedMeanwhile) {
     Import({{"Bonjour", "Salut"}, {"Chapitre 1", "Tome 1"}});
     RunSql(project, "UPDATE Pairs SET Target_1036 = 'Autre' WHERE ID = 'A1'");
     const Result result = Genutil({"accept", project, "-l", "fr"});
     EXPECT_EQ(result.exitCode, 1);
     EXPECT_THAT(result.error, HasSubstr("row A1 was not taken over"));
     EXPECT_THAT(result.output, HasSubstr("Took over 1 of 6 rows"));
-    ASSERT_EQ(chmod(project.c_str(), 0444), 0);
-    if (access(project.c_str(), W_OK) != 0) {  // not for root
-        EXPECT_EQ(Genutil({"accept", project, "-l", "fr"}).exitCode, 3);
-    }
 }
 
 }  // namespace
