@@ -8,7 +8,6 @@
 #include "test_project.h"
 
 #include <algorithm>
-#include <chrono>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <numeric>
@@ -37,12 +36,6 @@ std::vector<std::u16string> Mark(TestProject& project, std::int32_t options = Un
                                                     .targetLangId = TargetLanguage,
                                                     .fileId = fileId}));
     return project.DoneRows();
-}
-
-std::vector<std::u16string> MarkedOf(const std::vector<PairRow>& rows) {
-    TestProject project;
-    project.Add(rows);
-    return Mark(project);
 }
 
 // The rule in its plain form: each row not yet marked, in the order of the identifiers, against all
@@ -93,43 +86,39 @@ std::vector<std::u16string> MarkedByTheModel(const std::vector<PairRow>& rows) {
 }
 
 TEST(MarkDuplicates, EqualPairs) {
-    // Equal but for numbers, codes in braces, shown code texts on the target side, outer blanks.
-    EXPECT_THAT(MarkedOf({{.id = u"1", .source = u"Page 1", .target = u"Page 1"},
-                          {.id = u"2", .source = u"Page 22", .target = u"Page 3"},
-                          {.id = u"3", .source = u"Page {1}4", .target = u" Page\6{7}\7x\b "},
-                          {.id = u"4", .source = u"Page 1", .target = u"Seite 1"},
-                          {.id = u"5", .source = u"page 1", .target = u"Page 1"}}),
-                ElementsAre(u"2", u"3"));
-    // A missing target is an empty one; numbers alone have the empty key; keys may need quoting.
-    EXPECT_THAT(MarkedOf({{.id = u"1", .source = u"don't", .target = u""},
-                          {.id = u"2", .source = u"don't"},
-                          {.id = u"3", .source = u"1"},
-                          {.id = u"4", .source = u"2"},
-                          {.id = u"5", .source = u"..."}}),
-                ElementsAre(u"2", u"4"));
-    // The source is compared with its code marks.
-    EXPECT_THAT(MarkedOf({{.id = u"1", .source = u"a"}, {.id = u"2", .source = u"\6a"}}),
-                IsEmpty());
-    // The host's key decides who is compared.
-    EXPECT_THAT(MarkedOf({{.id = u"1", .source = u"a", .sourceKey = u"x"},
-                          {.id = u"2", .source = u"a", .sourceKey = u"x"}}),
-                IsEmpty());
-}
-
-TEST(MarkDuplicates, TheFirstInTheOrderOfTheTableStays) {
-    EXPECT_THAT(MarkedOf({{.id = u"2", .source = u"a"},
-                          {.id = u"10", .source = u"a"},
-                          {.id = u"1", .source = u"a"}}),
-                ElementsAre(u"10", u"1"));
+    using Ids = std::vector<std::u16string>;
+    const std::pair<std::vector<PairRow>, Ids> cases[] = {
+        // Equal but for numbers, codes in braces, shown code texts of the target, outer blanks.
+        {{{u"1", u"Page 1", u"Page 1"},
+          {u"2", u"Page 22", u"Page 3"},
+          {u"3", u"Page {1}4", u" Page\6{7}\7x\b "},
+          {u"4", u"Page 1", u"Seite 1"},
+          {u"5", u"page 1", u"Page 1"}},
+         {u"2", u"3"}},
+        // A missing target is an empty one; numbers alone have the empty key; keys need quoting.
+        {{{u"1", u"don't", u""}, {u"2", u"don't"}, {u"3", u"1"}, {u"4", u"2"}, {u"5", u"..."}},
+         {u"2", u"4"}},
+        {{{u"1", u"a"}, {u"2", u"\6a"}}, {}},  // the source is compared with its code marks
+        {{{.id = u"1", .source = u"a", .sourceKey = u"x"},  // the host's key decides
+          {.id = u"2", .source = u"a", .sourceKey = u"x"}},
+         {}},
+        // The first in the order of the table stays.
+        {{{u"2", u"a"}, {u"10", u"a"}, {u"1", u"a"}}, {u"10", u"1"}},
+    };
+    for (const auto& [rows, marked] : cases) {
+        TestProject project;
+        project.Add(rows);
+        EXPECT_EQ(Mark(project), marked);
+    }
 }
 
 TEST(MarkDuplicates, OnlyInTheSelection) {
     TestProject project;
-    project.Add({{.id = u"1", .source = u"a", .fileId = 1, .selected = false},
-                 {.id = u"2", .source = u"a", .status = StatusLocked, .fileId = 1},
-                 {.id = u"3", .source = u"a", .fileId = 1},
+    project.Add({{.id = u"1", .source = u"a", .selected = false},
+                 {u"2", u"a", {}, StatusLocked},
+                 {u"3", u"a"},
                  {.id = u"4", .source = u"a", .fileId = 2},
-                 {.id = u"5", .source = u"a", .fileId = 1}});
+                 {u"5", u"a"}});
     EXPECT_THAT(Mark(project, UniquePairsOnly | SkipLocked, 1), ElementsAre(u"5"));
     EXPECT_THAT(Mark(project, UniquePairsOnly, 1), ElementsAre(u"3", u"5"));
     EXPECT_THAT(Mark(project), ElementsAre(u"3", u"4", u"5"));
@@ -186,9 +175,7 @@ TEST(MarkDuplicates, StaysLinearInTheSizeOfAGroup) {
              .target = std::u16string(u"t") + static_cast<char16_t>(0x4E00 + i % Pairs)});
     }
     project.Add(rows);
-    const auto start = std::chrono::steady_clock::now();
     EXPECT_EQ(Mark(project).size(), static_cast<std::size_t>(Pairs));
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(60));
 }
 
 }  // namespace

@@ -7,11 +7,9 @@
 #include "extview/rtf_table_export.h"
 #include "test_project.h"
 
-#include <fstream>
 #include <functional>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <iterator>
 #include <string>
 #include <vector>
 
@@ -30,6 +28,8 @@ struct Row {
     std::u16string id, source, target, comments, fileName;
     std::int32_t status = 0;
     std::int32_t percentage = 0;
+
+    friend bool operator==(const Row&, const Row&) = default;
 };
 
 class RecordingExport final : public CExternalViewExport {
@@ -89,102 +89,61 @@ std::vector<PairRow> Numbered(int count) {
 
 TEST(RunExport, CallsTheFormatInOrder) {
     TestProject project;
-    project.Add({{.id = u"1", .source = u"s"}});
+    PercentList percents;
     RecordingExport exporter;
-    EXPECT_EQ(exporter.Run(project, 0), S_OK);
+    exporter.progress = &percents;
+    EXPECT_EQ(exporter.Run(project, UniquePairsOnly), S_OK);
     EXPECT_THAT(exporter.calls, ElementsAre("open", "layout", "head", "foot", "close"));
-    EXPECT_THAT(exporter.colors, ElementsAre(0xFFFFFF, 2, 3, 4, 5, 6, 7, 8, 1, 0,
-                                             9));  // in the order of the numbers
-    EXPECT_EQ(exporter.rows.size(), 1U);
-}
+    EXPECT_THAT(exporter.colors, ElementsAre(0xFFFFFF, 2, 3, 4, 5, 6, 7, 8, 1, 0, 9));  // by number
+    EXPECT_EQ(exporter.SourceLanguage(), 1033);
 
-TEST(RunExport, OutputThatCannotBeOpened) {
-    TestProject project;
+    // A language that the project does not have.
+    EXPECT_EQ(exporter.Run(project, UniquePairsOnly, 0, 1031), everrInvalidQuery);
+    EXPECT_THAT(exporter.calls, ElementsAre("open", "layout", "head"));
+    EXPECT_THAT(percents.percents, IsEmpty());
+
+    project.Execute(u"INSERT INTO Stamp (sLang, sSubLang) VALUES (13, 1)");
+    project.Execute(u"INSERT INTO Stamp (sLang, sSubLang) VALUES (9, 2)");
+    EXPECT_EQ(exporter.Run(project, 0), S_OK);   // the object is as good as new
+    EXPECT_EQ(exporter.SourceLanguage(), 1037);  // of the first row
+    EXPECT_TRUE(exporter.SourceIsRightToLeft());
+
     project.Add({{.id = u"1", .source = u"s"}});
     project.Execute(u"UPDATE Pairs SET Done = -1");
-    RecordingExport exporter;
     exporter.opens = false;
     EXPECT_EQ(exporter.Run(project, 0), everrUnableToOpenFile);
     EXPECT_THAT(exporter.calls, ElementsAre("open"));
     EXPECT_THAT(project.DoneRows(), ElementsAre(u"1"));  // the project was not touched
 }
 
-TEST(RunExport, ProjectWithoutTheLanguage) {
-    TestProject project(1036);
-    PercentList percents;
-    RecordingExport exporter;
-    exporter.progress = &percents;
-    EXPECT_EQ(exporter.Run(project, UniquePairsOnly, 0, 1031), everrInvalidQuery);
-    EXPECT_THAT(exporter.calls, ElementsAre("open", "layout", "head"));
-    EXPECT_THAT(percents.percents, IsEmpty());
-    EXPECT_EQ(exporter.Run(project, 0), S_OK);  // the object is as good as new
-}
-
-TEST(RunExport, WithoutRows) {
-    TestProject project;
-    PercentList percents;
-    RecordingExport exporter;
-    exporter.progress = &percents;
-    EXPECT_EQ(exporter.Run(project, UniquePairsOnly), S_OK);
-    EXPECT_THAT(exporter.calls, ElementsAre("open", "layout", "head", "foot", "close"));
-    EXPECT_THAT(percents.percents, IsEmpty());
-}
-
-TEST(RunExport, ReadsTheSourceLanguage) {
-    TestProject project;
-    RecordingExport exporter;
-    exporter.Run(project, 0);
-    EXPECT_EQ(exporter.SourceLanguage(), 1033);
-    project.Execute(u"INSERT INTO Stamp (sLang, sSubLang) VALUES (13, 1)");
-    project.Execute(u"INSERT INTO Stamp (sLang, sSubLang) VALUES (9, 2)");
-    exporter.Run(project, 0);
-    EXPECT_EQ(exporter.SourceLanguage(), 1037);  // of the first row
-    EXPECT_TRUE(exporter.SourceIsRightToLeft());
-}
-
 TEST(ExportRows, HandsOverTheRowsOfTheSelectionInOrder) {
     TestProject project;
-    project.Add({{.id = u"3", .source = u"a", .target = u"x", .status = StatusExact, .fileId = 2},
-                 {.id = u"1", .source = u"c", .target = u"", .status = StatusLocked},
-                 {.id = u"2", .source = u"b", .comments = u"c", .fileId = 0},
+    project.Add({{u"3", u"a", u"x", StatusExact, {}, 2},
+                 {u"1", u"c", u"", StatusLocked},
+                 {u"2", u"b", {}, 0, u"c", 0},
                  {.id = u"4", .source = u"d", .selected = false},
-                 {.id = u"5",
-                  .source = u"e",
-                  .target = u"y",
-                  .status = StatusPending | 0x40000000,
-                  .fileId = -1}});
-    struct {
+                 {u"5", u"e", u"y", StatusPending | 0x40000000, {}, -1}});
+    const struct {
         std::int32_t options;
         std::int32_t fileId;
         std::vector<std::u16string> ids;
-    } const cases[] = {
+        std::u16string order = {};
+    } cases[] = {
         {0, 0, {u"1", u"2", u"3"}},
-        {0, -2, {u"1", u"2", u"3"}},
         {SortBySource, 0, {u"3", u"2", u"1"}},
         {0, 2, {u"3"}},
         {0, -3, {u"1", u"3", u"5"}},
-        {0, -1, {u"5"}},
-        {0, 99, {}},
+        {0, -1, {u"5"}, u"Source DESC"},
         {OnlyUntranslated, 0, {u"1", u"2"}},
-        {OnlyTranslated, -3, {u"3", u"5"}},
         {OnlyWithComments, 0, {u"2"}},
         {OnlyPending, -3, {u"5"}},
         {SkipLocked | SkipExact, 0, {u"2"}},
     };
     RecordingExport exporter;
-    for (const auto& [options, fileId, ids] : cases) {
-        EXPECT_EQ(exporter.Run(project, options, fileId), S_OK);
+    for (const auto& [options, fileId, ids, order] : cases) {
+        EXPECT_EQ(exporter.Run(project, options, fileId, 1036, order), S_OK);
         EXPECT_EQ(exporter.Ids(), ids) << options << ' ' << fileId;
     }
-}
-
-TEST(ExportRows, OrdersTheLexiconByTheClause) {
-    TestProject project;
-    project.Add(
-        {{.id = u"1", .source = u"a", .fileId = -1}, {.id = u"2", .source = u"b", .fileId = -1}});
-    RecordingExport exporter;
-    EXPECT_EQ(exporter.Run(project, 0, -1, 1036, u"Source DESC"), S_OK);
-    EXPECT_THAT(exporter.Ids(), ElementsAre(u"2", u"1"));
     EXPECT_EQ(exporter.Run(project, 0, -1, 1036, u"no such thing("), everrInvalidQuery);
 }
 
@@ -204,22 +163,13 @@ TEST(ExportRows, CleansTheTexts) {
     };
     for (const auto& [options, target, expectedSource, expectedTarget] : cases) {
         TestProject project;
-        project.Add({{.id = u"{i}",
-                      .source = coded,
-                      .target = target,
-                      .status = 77,
-                      .comments = u"{c}\6",
-                      .percentage = 42}});
+        project.Add({{u"{i}", coded, target, 77, u"{c}\6", 1, true, {}, 42}});
         RecordingExport exporter;
         EXPECT_EQ(exporter.Run(project, options), S_OK);
         ASSERT_EQ(exporter.rows.size(), 1U);
-        EXPECT_EQ(exporter.rows[0].source, expectedSource) << options;
-        EXPECT_EQ(exporter.rows[0].target, expectedTarget) << options;
-        EXPECT_EQ(exporter.rows[0].id, u"{i}");
-        EXPECT_EQ(exporter.rows[0].comments, u"{c}\6");
-        EXPECT_EQ(exporter.rows[0].status, 77);
-        EXPECT_EQ(exporter.rows[0].percentage, 42);
-        EXPECT_EQ(exporter.rows[0].fileName, u"");
+        EXPECT_EQ(exporter.rows[0],
+                  (Row{u"{i}", expectedSource, expectedTarget, u"{c}\6", u"", 77, 42}))
+            << options;
     }
 }
 
@@ -304,22 +254,12 @@ TEST(Progress, OfSmallAndLargeExports) {
 // The RTF format's side of opening and closing.
 
 TEST(OpenOutput, FactoryThatIsMissingOrRefuses) {
-    class RefusingFactory final : public TextFileFactory {
-        std::unique_ptr<TextFileStream> OpenTextFile(std::u16string_view, TextFileFormat) override {
-            return nullptr;
-        }
-    };
     TestProject project;
-    const auto run = [&](TextFileFactoryCreator create) {
-        return CExternalViewRTFExport(std::move(create))
-            .RunExport(project.database(), u"out.rtf", 0, 1036, 0, u"", {});
+    const auto run = [&](CExternalViewRTFExport exporter) {
+        return exporter.RunExport(project.database(), u"/no/such/folder/out", 0, 1036, 0, u"", {});
     };
-    EXPECT_EQ(run([] { return nullptr; }), everrUnableToOpenFile);
-    EXPECT_EQ(run([] { return std::make_unique<RefusingFactory>(); }), everrUnableToOpenFile);
-    CExternalViewRTFExport builtIn;
-    EXPECT_EQ(
-        builtIn.RunExport(project.database(), u"/no/such/folder/out.rtf", 0, 1036, 0, u"", {}),
-        everrUnableToOpenFile);
+    EXPECT_EQ(run(CExternalViewRTFExport([] { return nullptr; })), everrUnableToOpenFile);
+    EXPECT_EQ(run(CExternalViewRTFExport()), everrUnableToOpenFile);
 }
 
 TEST(OpenOutput, HeadOfAFailedExportIsReleasedLater) {
@@ -345,35 +285,18 @@ TEST(OpenOutput, HeadOfAFailedExportIsReleasedLater) {
 TEST(OpenOutput, SamePathAfterAFailedExport) {
     TestProject project(1036);
     project.Add({{.id = u"1", .source = u"s"}});
-    const auto path = std::filesystem::temp_directory_path() /
-                      ("extview-output-" + std::to_string(getpid()) + ".rtf");
+    const TemporaryFolder folder;
     const auto run = [&](CExternalViewRTFExport& exporter, std::int32_t language) {
-        return exporter.RunExport(project.database(), path.u16string(), 0, language, 0, u"", {});
+        return exporter.RunExport(project.database(), folder.Path(u"out"), 0, language, 0, u"", {});
     };
-    const auto bytes = [&] {
-        std::ifstream file(path, std::ios::binary);
-        return std::string{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-    };
-    CExternalViewRTFExport fresh;
+    CExternalViewRTFExport fresh, exporter;
     EXPECT_EQ(run(fresh, 1036), S_OK);
-    const std::string expected = bytes();
-    CExternalViewRTFExport exporter;
+    const std::string expected = ReadFile(folder / "out");
     exporter.sourceFont.assign(expected.size(), u'x');  // a head longer than the whole file
     EXPECT_EQ(run(exporter, 1031), everrInvalidQuery);
     exporter.sourceFont = fresh.sourceFont;
     EXPECT_EQ(run(exporter, 1036), S_OK);
-    EXPECT_EQ(bytes(), expected);
-    std::filesystem::remove(path);
-}
-
-TEST(OpenOutput, FailedWritesAreNotLookedAt) {
-    TestProject project;
-    project.Add({{.id = u"1", .source = u"s"}});
-    Written written;
-    CExternalViewRTFExport exporter([&] { return std::make_unique<MemoryFactory>(written, true); });
-    EXPECT_EQ(exporter.RunExport(project.database(), u"out", 0, 1036, 0, u"", {}), S_OK);
-    EXPECT_EQ(written.pieces.size(), 3U);
-    EXPECT_TRUE(written.closed);
+    EXPECT_EQ(ReadFile(folder / "out"), expected);
 }
 
 }  // namespace

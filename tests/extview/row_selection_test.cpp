@@ -52,7 +52,6 @@ TEST(BuildQueries, SelectionByOption) {
         {OnlyWithComments, comments},
         {OnlyPending, pending},
         {OnlyUntranslated | OnlyTranslated | OnlyWithComments | OnlyPending, untranslated},
-        {OnlyTranslated | OnlyWithComments | OnlyPending, translated},
         {OnlyWithComments | OnlyPending, comments},
         {SkipExact, exact},
         {SkipExact | SkipGuaranteed | SkipLocked, locked + guaranteed + exact},
@@ -96,16 +95,6 @@ TEST(BuildQueries, FileTestAndOrder) {
         EXPECT_EQ(queries.duplicateTail.find(u"ORDER"), std::u16string::npos);
     }
     EXPECT_EQ(Queries(0, 7, 1036, u"Freq").mainQuery.find(u"Freq"), std::u16string::npos);
-}
-
-TEST(DecodeOptions, FileSpecCountsOnlyWithTheFileColumn) {
-    EXPECT_FALSE(DecodeOptions(UseFileSpec).useFileSpec);
-    EXPECT_TRUE(DecodeOptions(UseFileSpec | ShowFileColumn).useFileSpec);
-}
-
-TEST(QuoteSql, DoublesQuotes) {
-    EXPECT_EQ(QuoteSql(u"it's ''\""), u"it''s ''''\"");
-    EXPECT_EQ(QuoteSql(u""), u"");
 }
 
 TEST(IsRightToLeft, LooksAtThePrimaryLanguage) {

@@ -51,8 +51,6 @@ std::u16string EraseBraces(std::u16string text) {
 
 TEST(StripCodeMarkers, LeavesTheShownText) {
     const Case cases[] = {
-        {u"", u""},
-        {u"plain", u"plain"},
         {u"a\6shown\7hidden\bz", u"ashownz"},
         {u"\6one\7x\b\6two\7y\b", u"onetwo"},
         {u"\6\7hidden\b", u""},
@@ -61,9 +59,6 @@ TEST(StripCodeMarkers, LeavesTheShownText) {
         {u"a\6b", u"ab"},                    // no end at all: it loses itself
         {u"a\7b\bc", u"abc"},                // ends without a beginning
         {u"\6a\6b\7x\bc\7y\bd", u"abcd"},    // a code inside the shown text
-        {u"\6a\7x\6y\bb\7z\bc", u"abzc"},    // one inside the hidden text never begins
-        {u"\6a\6b\7c\7d", u"abcd"},
-        {u"\b\6a\7", u"a"},
     };
     for (const auto& [text, expected] : cases) {
         EXPECT_EQ(StripCodeMarkers(text), expected) << testing::PrintToString(text);
@@ -72,8 +67,6 @@ TEST(StripCodeMarkers, LeavesTheShownText) {
 
 TEST(StripBraces, RemovesGroups) {
     const Case cases[] = {
-        {u"", u""},
-        {u"plain}", u"plain}"},
         {u"a{1}b{22}c", u"abc"},
         {u"{}", u""},
         {u"a{b{c}d}e", u"ad}e"},  // the first brace ends the group
@@ -81,9 +74,7 @@ TEST(StripBraces, RemovesGroups) {
         {u"a\\{b}c", u"a\\{b}c"},   // escaped
         {u"a\\\\{b}c", u"a\\\\c"},  // an escaped backslash
         {u"a\\\\\\{b}c", u"a\\\\\\{b}c"},
-        {u"\\{{x}\\}", u"\\{\\}"},
         {u"a{b\\}c}d", u"ac}d"},  // inside a group a backslash is nothing special
-        {u"{a}\\{b", u"\\{b"},
     };
     for (const auto& [text, expected] : cases) {
         EXPECT_EQ(StripBraces(text), expected) << testing::PrintToString(text);

@@ -4,18 +4,15 @@
 #include <generalutilities/extview/source_key.h>
 #include <generalutilities/text_file.h>
 
+#include "database/temporary_folder.h"
 #include "extview/dao_recordset.h"
 #include "extview/decimal.h"
 #include "extview/progress.h"
 
-#include <atomic>
-#include <filesystem>
 #include <gtest/gtest.h>
-#include <map>
 #include <memory>
 #include <optional>
 #include <string>
-#include <unistd.h>
 #include <vector>
 
 /// A project in a file of its own, filled row by row, and the ends of an export that tests look at.
@@ -29,44 +26,24 @@ struct PairRow {
     std::optional<std::u16string> comments = {};
     std::int32_t fileId = 1;
     bool selected = true;
-    std::optional<std::u16string> sourceKey =
-        {};  ///< by default the one that belongs to the source
+    std::optional<std::u16string> sourceKey = {};  ///< by default the one of the source
     std::int32_t percentage = 0;
 };
 
 class TestProject {
   public:
     explicit TestProject(std::int32_t targetLangId = 1036) : language(Decimal(targetLangId)) {
-        static std::atomic<int> count = 0;
-        path = std::filesystem::temp_directory_path() /
-               ("extview-test-" + std::to_string(getpid()) + "-" + std::to_string(count++) + ".db");
-        std::filesystem::remove(path);
         DatabaseFailure failure;
-        opened = OpenDatabase(path.u16string(), OpenMode::Create, failure);
-        using Type = FieldDefinition::Type;
-        CreateTable(u"Pairs", {{u"ID", Type::Text},
-                               {u"Source", Type::LongText},
-                               {u"Source2Index", Type::Text},
-                               {u"Target_" + language, Type::LongText},
-                               {u"Status_" + language, Type::Long},
-                               {u"Comments_" + language, Type::LongText},
-                               {u"Percentage_" + language, Type::Long},
-                               {u"Done", Type::YesNo},
-                               {u"FileID", Type::Long},
-                               {u"Selected", Type::YesNo},
-                               {u"LexWords", Type::Long},
-                               {u"Freq", Type::Long}});
-        CreateTable(u"Files",
-                    {{u"ID", Type::Long}, {u"FileName", Type::Text}, {u"FileSpec", Type::Text}});
-        CreateTable(u"Stamp", {{u"sLang", Type::Long}, {u"sSubLang", Type::Long}});
+        opened = OpenDatabase(folder.Path(u"p.db"), OpenMode::Create, failure);
+        Execute(u"CREATE TABLE Pairs (ID TEXT, Source MEMO, Source2Index TEXT, Target_" + language +
+                u" MEMO, Status_" + language + u" LONG, Comments_" + language +
+                u" MEMO, Percentage_" + language +
+                u" LONG, Done YESNO, FileID LONG, Selected YESNO, LexWords LONG, Freq LONG)");
+        Execute(u"CREATE TABLE Files (ID LONG, FileName TEXT, FileSpec TEXT)");
+        Execute(u"CREATE TABLE Stamp (sLang LONG, sSubLang LONG)");
         Execute(u"CREATE INDEX iID ON Pairs (ID)");
         Execute(u"CREATE INDEX iSource2Index ON Pairs (Source2Index)");
     }
-    ~TestProject() {
-        opened.reset();
-        std::filesystem::remove(path);
-    }
-
     Database& database() { return *opened; }
 
     void Execute(std::u16string_view query) {
@@ -120,20 +97,8 @@ class TestProject {
     }
 
   private:
-    using Columns = std::vector<std::pair<std::u16string, FieldDefinition::Type>>;
-
-    void CreateTable(std::u16string name, const Columns& columns) {
-        TableDefinition table;
-        table.name = std::move(name);
-        for (const auto& [column, type] : columns) {
-            table.fields.emplace_back().name = column;
-            table.fields.back().type = type;
-        }
-        EXPECT_TRUE(opened->CreateTable(table));
-    }
-
     const std::u16string language;
-    std::filesystem::path path;
+    TemporaryFolder folder;
     std::unique_ptr<Database> opened;
 };
 

@@ -1,33 +1,21 @@
 #include <generalutilities/text_file.h>
 
-#include <filesystem>
-#include <fstream>
+#include "database/temporary_folder.h"
+
 #include <gtest/gtest.h>
-#include <iterator>
-#include <string>
-#include <unistd.h>
 
 namespace generalutilities {
 namespace {
 
-namespace fs = std::filesystem;
-
 class TextFile : public testing::Test {
   protected:
-    TextFile()
-        : path(fs::temp_directory_path() /
-               ("text-file-test-" + std::to_string(getpid()) + "-\u00E4")) {}
-    ~TextFile() override { fs::remove_all(path); }
-
     std::unique_ptr<TextFileStream> Open(TextFileFormat format) {
-        return CreateTextFileFactory()->OpenTextFile(path.u16string(), format);
+        return CreateTextFileFactory()->OpenTextFile(path, format);
     }
-    std::string Bytes() const {
-        std::ifstream file(path, std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-    }
+    std::string Bytes() const { return ReadFile(path); }
 
-    const fs::path path;
+    const TemporaryFolder folder;
+    const std::u16string path = folder.Path(u"\u00E4");
 };
 
 TEST_F(TextFile, OneByteKeepsTheLowByte) {
@@ -89,41 +77,27 @@ TEST_F(TextFile, LongTextsInPieces) {
     }
 }
 
-TEST_F(TextFile, EmptiesAnExistingFile) {
-    std::ofstream(path) << "old and longer";
+TEST_F(TextFile, EmptiesAnExistingFileOrCannotBeOpened) {
+    WriteFile(path, "old and longer");
     Open(TextFileFormat::OneByte)->Close();
     EXPECT_EQ(Bytes(), "");
-}
-
-TEST_F(TextFile, CannotBeOpened) {
-    const auto factory = CreateTextFileFactory();
-    const auto open = [&](const std::u16string& name) {
-        return factory->OpenTextFile(name, TextFileFormat::OneByte);
-    };
-    fs::create_directory(path);
-    EXPECT_FALSE(open(path.u16string()));
-    EXPECT_FALSE(open((path / "missing" / "file").u16string()));
-    EXPECT_FALSE(open(u""));
-    EXPECT_FALSE(open((path / "a").u16string() + std::u16string(u"\0b", 2)));
-    EXPECT_FALSE(open((path / "a").u16string() + char16_t{0xD800}));
-    EXPECT_TRUE(fs::is_empty(path));
+    for (const std::u16string& name :
+         {folder.Path(u""), folder.Path(u"missing/file"), std::u16string(),
+          folder.Path(std::u16string_view(u"a\0b", 3)), folder.Path(u"a\xD800")}) {
+        EXPECT_FALSE(CreateTextFileFactory()->OpenTextFile(name, TextFileFormat::OneByte));
+    }
+    EXPECT_EQ(folder.FileCount(), 1U);
 }
 
 TEST(TextFileFailure, IsRemembered) {
-    if (!fs::exists("/dev/full")) {
-        GTEST_SKIP() << "this system has no /dev/full";
-    }
-    const auto full = CreateTextFileFactory();
-    auto stream = full->OpenTextFile(u"/dev/full", TextFileFormat::OneByte);
-    ASSERT_TRUE(stream);
+    auto stream = CreateTextFileFactory()->OpenTextFile(u"/dev/full", TextFileFormat::OneByte);
     EXPECT_TRUE(stream->Write(u"fits into the buffer"));
     EXPECT_FALSE(stream->Write(std::u16string(1'000'000, u'a')));
     EXPECT_FALSE(stream->Write(u"a"));
     EXPECT_FALSE(stream->Close());
     EXPECT_FALSE(stream->Close());
 
-    stream = full->OpenTextFile(u"/dev/full", TextFileFormat::Utf8);
-    ASSERT_TRUE(stream);
+    stream = CreateTextFileFactory()->OpenTextFile(u"/dev/full", TextFileFormat::Utf8);
     EXPECT_TRUE(stream->Write(u"noticed at the end"));
     EXPECT_FALSE(stream->Close());
 }
