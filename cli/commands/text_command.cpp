@@ -3,28 +3,30 @@
 #include <generalutilities/interfaces/class_ids.h>
 #include <generalutilities/interfaces/string_utils.h>
 
+#include "commands/text_distance.h"
+#include "commands/text_find.h"
+#include "commands/text_generate.h"
 #include "component_client.h"
-#include "failure.h"
 #include "language.h"
+#include "text_sources.h"
 #include "unicode.h"
 
-#include <iostream>
-#include <limits>
 #include <memory>
 #include <nlohmann/json.hpp>
 
-/// `genutil text`: the text services, one subcommand each, on arguments or on standard input line
-/// by line. Every answer comes from a `StringUtils` object.
+/// `genutil text`: the text services, one subcommand each, on arguments, files or standard input
+/// line by line. Every answer comes from a `StringUtils` object.
 namespace generalutilities::cli {
 namespace {
 
 using nlohmann::json;
 
 struct TextOptions {
-    std::vector<std::string> texts;
+    TextSources sources;
     std::string language = "en-US";
     std::int32_t langId = 0;
     std::int32_t size = 50;
+    bool digitsOnly = false;
     bool asJson = false;
 };
 
@@ -78,6 +80,7 @@ struct Operation {
     Conversion convert;  ///< null for `words`
     bool takesLanguage;
     bool takesSize;
+    bool takesDigitsOnly;
     bool stopsAtZero;  ///< the library reads the text up to its first U+0000
 };
 
@@ -87,34 +90,40 @@ const Operation Operations[] = {
      [](IStringUtils& utils, BSTR text, const TextOptions&, BSTR* result) {
          return utils.ToUpper(text, result);
      },
-     false, false, false},
+     false, false, false, false},
     {"lower", "Lower case, in every script, whatever the locale",
      "  genutil text lower 'ΑΘΉΝΑ'                       αθήνα",
      [](IStringUtils& utils, BSTR text, const TextOptions&, BSTR* result) {
          return utils.ToLower(text, result);
      },
-     false, false, false},
+     false, false, false, false},
     {"deaccent", "Without accents and compatibility forms; case stays",
      "  genutil text deaccent 'Crème brûlée'             Creme brulee",
      [](IStringUtils& utils, BSTR text, const TextOptions&, BSTR* result) {
          return utils.DeAccentString(text, result);
      },
-     false, false, false},
+     false, false, false, false},
     {"words", "The words, numbers, separators and codes of a text, one a line with its type",
      "  genutil text words --language fr-FR \"l'homme a 1 000,50 francs {1}\"", nullptr, true,
-     false, false},
+     false, false, false},
     {"key", "The index key: from the first word to the last, without numbers and codes",
      "  genutil text key '  {1}Hello   42 worlds'          Hello worlds",
      [](IStringUtils& utils, BSTR text, const TextOptions& options, BSTR* result) {
          return utils.ToIndex(text, options.langId, options.size, result);
      },
-     true, true, true},
+     true, true, false, true},
     {"simplify", "Punctuation of all scripts as plain ASCII",
      "  genutil text simplify '「こんにちは」'              (こんにちは)",
      [](IStringUtils& utils, BSTR text, const TextOptions& options, BSTR* result) {
          return utils.SimplifyString(text, options.langId, result);
      },
-     true, false, true},
+     true, false, false, true},
+    {"fold-digits", "The digits of all scripts as ASCII digits, and other numerals as 0",
+     "  genutil text fold-digits '٣٤ ⅳ 二百'               34 4 20",
+     [](IStringUtils& utils, BSTR text, const TextOptions& options, BSTR* result) {
+         return utils.FoldDigits(text, options.digitsOnly ? VARIANT_FALSE : VARIANT_TRUE, result);
+     },
+     false, false, true, true},
 };
 
 /// Turns each text into output as it comes, so that standard input of any length passes through;
@@ -129,10 +138,6 @@ class TextRun {
     }
 
     void Add(std::string_view text) {
-        if (text.size() > std::numeric_limits<std::int32_t>::max() / 2) {
-            throw Failure("a text of " + std::to_string(text.size()) +
-                          " bytes is too long for the library; cut it into lines");
-        }
         if (const std::size_t zero = text.find('\0'); work.stopsAtZero && zero != text.npos) {
             output.Warn("text " + std::to_string(count + 1) + ", byte offset " +
                         std::to_string(zero) + ": the text counts up to this U+0000");
@@ -198,45 +203,12 @@ class TextRun {
     std::size_t count = 0;
 };
 
-void RunOnStandardInput(TextRun& run) {
-    std::size_t lineNumber = 0;
-    std::uint64_t offset = 0;
-    for (std::string line; std::getline(std::cin, line);) {
-        ++lineNumber;
-        const std::uint64_t start = offset;
-        offset += line.size() + 1;
-        if (!line.empty() && line.back() == '\r') {
-            line.pop_back();
-        }
-        if (const auto invalid = FindInvalidUtf8(line)) {
-            throw Failure("standard input, line " + std::to_string(lineNumber) + ", byte offset " +
-                          std::to_string(start + *invalid) +
-                          ": not valid UTF-8; convert the text first, for example with iconv");
-        }
-        run.Add(line);
-    }
-    if (std::cin.bad()) {
-        throw Failure("standard input cannot be read behind byte " + std::to_string(offset));
-    }
-}
-
 ExitCode RunText(CommandContext& context, const Operation& operation, TextOptions& options) {
     if (operation.takesLanguage) {
         options.langId = ParseLanguage("--language", options.language);
     }
-    for (std::size_t i = 0; i < options.texts.size(); ++i) {
-        if (const auto invalid = FindInvalidUtf8(options.texts[i])) {
-            throw UsageError("TEXT " + std::to_string(i + 1) + ", byte offset " +
-                             std::to_string(*invalid) + ": not valid UTF-8");
-        }
-    }
     TextRun run(context.console, operation, options);
-    for (const std::string& text : options.texts) {
-        run.Add(text);
-    }
-    if (options.texts.empty()) {
-        RunOnStandardInput(run);
-    }
+    ForEachText(options.sources, [&](std::string_view text) { run.Add(text); });
     run.Finish();
     return ExitCode::Done;
 }
@@ -245,7 +217,7 @@ ExitCode RunText(CommandContext& context, const Operation& operation, TextOption
 
 void AddTextCommand(CLI::App& parent, CommandContext& context) {
     CLI::App* text = parent.add_subcommand(
-        "text", "Fold, parse and simplify text; arguments or standard input, line by line");
+        "text", "Fold, parse, search and compare text; arguments, files or standard input");
     text->require_subcommand(1);
     std::string examples = "Examples:\n";
     for (const Operation& operation : Operations) {
@@ -253,10 +225,7 @@ void AddTextCommand(CLI::App& parent, CommandContext& context) {
         auto options = std::make_shared<TextOptions>();
         CLI::App* command = text->add_subcommand(operation.name, operation.help);
         command->footer("Example:\n" + std::string(operation.example));
-        command
-            ->add_option("TEXT", options->texts,
-                         "Texts in UTF-8; without any, the lines of standard input")
-            ->type_name("");
+        AddTextSources(command, options->sources);
         if (operation.takesLanguage) {
             command
                 ->add_option("--language,-l", options->language,
@@ -270,11 +239,18 @@ void AddTextCommand(CLI::App& parent, CommandContext& context) {
                 ->check(CLI::Range(1, 65535))
                 ->capture_default_str();
         }
+        if (operation.takesDigitsOnly) {
+            command->add_flag("--digits-only", options->digitsOnly,
+                              "Leave numerals that are no single digit as they are");
+        }
         command->add_flag("--json", options->asJson, "One JSON document, \"genutil.text/1\"");
         context.Runs(command, [&context, &operation, options] {
             return RunText(context, operation, *options);
         });
     }
+    AddTextFindCommand(*text, context);
+    AddTextDistanceCommand(*text, context);
+    AddTextGenerateCommand(*text, context);
     text->footer(examples);
 }
 

@@ -1,5 +1,6 @@
 #include "program.h"
 
+#include <fstream>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
@@ -46,8 +47,14 @@ TEST(CommandLine, WrongUseIsToldWithoutRunningAnything) {
         {{"text", "key", "--size", "0", "x"}, 2, "", "--size"},
         {{"text", "words", "--language", "xx-YY", "x"}, 2, "", "\"xx-YY\" is no known language"},
         {{"text", "words", "--language", "70000", "x"}, 2, "", "no known language"},
-        {{"text", "upper", "good", "b\xFF"}, 2, "", "TEXT 2, byte offset 1: not valid UTF-8"},
+        {{"text", "upper", "good", "b\xFF"},
+         2,
+         "",
+         "TEXT 2, byte offset 1, byte 0xFF: not valid UTF-8"},
         {{"language", "name", "klingon"}, 2, "", "\"klingon\" is no known language"},
+        {{"text", "find", "b\xFF", "x"}, 2, "", "SOUGHT: byte 1 is not valid UTF-8"},
+        {{"text", "find", "a", "--start", "0", "x"}, 2, "", "--start"},
+        {{"text", "generate", "--script", "40"}, 2, "", "--script 40: no such script key"},
         {{"export", "p"}, 2, "", "required"},
         {{"export", "p", "-o", "x", "-l", "fr", "--color-exact", "red"}, 2, "", "#RRGGBB"},
         {{"export", "p", "-o", "x", "-l", "fr", "--source-font", "A;B"}, 2, "", "A;B"},
@@ -93,8 +100,58 @@ TEST(CommandLine, ConvertsTexts) {
         {{"text", "words", "漢", "a\tb"}, 0, "dbcs\t漢\n\nword\ta\nseparator\t␉\nword\tb\n", ""},
         {{"language", "name", "ja-JP", "1049"}, 0, "日本語\nРусский\n", ""},
         {{"language", "name", "1171", "de"}, 1, "Deutsch\n", "quc-CO (1171): no name is known"},
-        {{"text", "upper"}, 3, "", "line 2, byte offset 4: not valid UTF-8", "ab\nc\xFFx\n"},
+        {{"text", "upper"},
+         3,
+         "",
+         "line 2, byte offset 4, byte 0xFF: not valid UTF-8",
+         "ab\nc\xFFx\n"},
     });
+}
+
+TEST(CommandLine, SearchesAndMeasuresTexts) {
+    const TemporaryFolder folder;
+    const std::string file = folder / "lines.txt";
+    std::ofstream(file) << "x\nStra\u00DFe\r\n";
+    Check({
+        {{"text", "find", "cat", "a CAT, cat"}, 0, "1\t3\t3\tCAT\n", ""},
+        {{"text", "find", "cat", "a CAT, cat", "--match-case"}, 0, "1\t8\t3\tcat\n", ""},
+        {{"text", "find", "A", "--all", "aXa", "\xF0\x9F\x98\x80 a"},
+         0,
+         "1\t1\t1\ta\n1\t3\t1\ta\n2\t4\t1\ta\n",
+         ""},
+        {{"text", "find", "", "--all", "ab", "--start", "2"}, 0, "1\t2\t0\t\n", ""},
+        {{"text", "find", "STRASSE", "--file", file}, 0, "2\t1\t6\tStra\u00DFe\n", ""},
+        {{"text", "find", "cat", "--whole-word"}, 1, "", "", "catalog\n"},
+        {{"text", "find", "b", "--match-case"},
+         1,
+         "",
+         "ends at this U+0000",
+         std::string("a\0b", 3)},
+        {{"text", "find", "b", "--file", folder / "none"},
+         3,
+         "",
+         "none cannot be read: No such file"},
+        {{"text", "find", "b", "--file", folder.Path().string()},
+         3,
+         "",
+         "cannot be read: Is a directory"},
+        {{"text", "distance", "Flaw", "flaw", "lawn", "--case-penalty", "0.1"}, 0, "0.1\n2\n", ""},
+        {{"text", "distance", "a", "A", "--case-penalty", "nan"}, 0, "2\n", ""},
+        {{"text", "fold-digits", "\u0664\u2169\u4E8C\u5341"}, 0, "4020\n", ""},
+        {{"text", "fold-digits", "--digits-only", "\u2169\u2168"}, 0, "\u21699\n", ""},
+        {{"text", "generate", "--script", "33", "--length", "0"}, 0, "\n", ""},
+    });
+    const json found =
+        json::parse(Genutil({"text", "find", "b", "abB", "x", "--all", "--json"}).output);
+    EXPECT_EQ(found["results"][0]["matches"], json::parse(R"([{"position":2,"length":1,"text":"b"},
+                              {"position":3,"length":1,"text":"B"}])"));
+    EXPECT_TRUE(found["results"][1]["matches"].empty());
+    const json measured = json::parse(Genutil({"text", "distance", "a", "ab", "--json"}).output);
+    EXPECT_EQ(measured["results"][0]["distance"], 1.0);
+    const json made = json::parse(
+        Genutil({"text", "generate", "--script", "31", "--count", "2", "--json"}).output);
+    EXPECT_EQ(made["results"].size(), 2U);
+    EXPECT_EQ(made["results"][0]["result"].get<std::string>().size(), 60U) << "20 units of Braille";
 }
 
 TEST(CommandLine, TellsThatAZeroUnitEndsATextWhereItDoes) {
