@@ -8,7 +8,8 @@ constexpr std::size_t PlacesShown = 3;
 /// Whether something that the reviewer wrote does not come back, or not for sure.
 bool IsLoss(ReviewFinding finding) {
     return finding == ReviewFinding::Footnote || finding == ReviewFinding::MarginComment ||
-           finding == ReviewFinding::FallbackPicture || finding == ReviewFinding::KeptBreak;
+           finding == ReviewFinding::FallbackPicture || finding == ReviewFinding::Drawing ||
+           finding == ReviewFinding::KeptBreak;
 }
 
 }  // namespace

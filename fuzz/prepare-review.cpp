@@ -25,8 +25,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::uint64_t met =
         std::accumulate(prepared.counts.begin(), prepared.counts.end(), std::uint64_t{0});
     Require(met == places);
-    const std::uint64_t notChanging =
-        prepared.Count(ReviewFinding::InsertedText) + prepared.Count(ReviewFinding::MarginComment);
+    const std::uint64_t notChanging = prepared.Count(ReviewFinding::InsertedText) +
+                                      prepared.Count(ReviewFinding::MarginComment) +
+                                      prepared.Count(ReviewFinding::Drawing);
     Require(!prepared.isChanged || met > notChanging);
     // A footnote with a star is told, too, and skipped by the reader.
     Require(prepared.isChanged || met == notChanging + prepared.Count(ReviewFinding::Footnote));

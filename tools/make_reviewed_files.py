@@ -37,7 +37,7 @@ from com.sun.star.beans import PropertyValue
 from com.sun.star.connection import NoConnectException
 from com.sun.star.style.ParagraphAdjust import CENTER
 from com.sun.star.text.ControlCharacter import HARD_HYPHEN, LINE_BREAK, PARAGRAPH_BREAK, SOFT_HYPHEN
-from com.sun.star.text.TextContentAnchorType import AS_CHARACTER
+from com.sun.star.text.TextContentAnchorType import AS_CHARACTER, AT_PARAGRAPH
 
 OUT = Path(__file__).resolve().parent.parent / "tests" / "cli" / "data" / "writer"
 COLUMNS = ("id", "source", "target", "comments", "status")
@@ -300,6 +300,16 @@ def notes(review, row):
     review.meets(row, "target", "footnote", "footnote", misread=False)
 
 
+def text_boxes(review, row):
+    review.type(row, "target", "Avec boîte")
+    for anchor in (AS_CHARACTER, AT_PARAGRAPH):
+        box = review.insert(row, "target", "TextFrame", AnchorType=anchor)
+        box.setString("Dans la boîte, « noté ».")
+    review.append(row, "target", " et fin.")
+    review.left(row, "target", "Avec boîte et fin.")
+    review.meets(row, "target", "drawing", "drawing", misread=False)
+
+
 def hyphens(review, row):
     review.type(row, "target", "Donau\u00addampf\u2011schiff -\u2010\u2012")
     for character in (SOFT_HYPHEN, HARD_HYPHEN):
@@ -431,6 +441,7 @@ FILES = {
     "picture": ([picture], FRENCH),
     "lists": ([lists], FRENCH),
     "notes": ([notes], FRENCH),
+    "text-boxes": ([text_boxes], FRENCH),
     "hyphens": ([hyphens], FRENCH),
     "spaces": ([spaces], FRENCH),
     "tracked-insertions": ([tracked_insertions], FRENCH),

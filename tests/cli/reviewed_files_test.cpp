@@ -13,6 +13,8 @@ namespace generalutilities::cli_test {
 namespace {
 
 using nlohmann::json;
+using ::testing::AllOf;
+using ::testing::HasSubstr;
 
 const std::string Files = TEST_DATA_DIR "/writer/";
 constexpr const char* Columns[] = {"id", "source", "target", "comments", "status"};
@@ -144,20 +146,27 @@ TEST(ReviewedFile, IsToldWhatWasMetWhereAndWhatBecameOfIt) {
     const TemporaryFolder folder;
     const std::string project = folder / "a.project";
     ASSERT_EQ(Genutil({"project", "create", project, Files + "project.csv"}).exitCode, 0);
-    const std::vector<std::string> import{"import", project, Files + "all.rtf", "-l", "fr"};
-    EXPECT_THAT(Genutil(import).error,
-                ::testing::AllOf(
-                    ::testing::HasSubstr("warning: " + Files +
-                                         "all.rtf: met a picture: its digits left out (target of "
-                                         "row 21, byte "),
-                    ::testing::HasSubstr("label of a list item: left out (target of row 22"),
-                    ::testing::HasSubstr("; and 1 more)\n")));
+    std::vector<std::string> import{"import", project, Files + "all.rtf", "-l", "fr", "--report"};
+    for (const auto& [form, place] : {std::pair("text", "Met:      target of row 21, byte "),
+                                      std::pair("html", "<li>target of row 21, byte ")}) {
+        import.push_back(form);
+        const Result result = Genutil(import);
+        import.pop_back();
+        EXPECT_THAT(result.output, HasSubstr(place));
+        EXPECT_THAT(result.error,
+                    AllOf(HasSubstr("warning: " + Files +
+                                    "all.rtf: met a picture: its digits left out (target of row "
+                                    "21, byte "),
+                          HasSubstr("label of a list item: left out (target of row 22"),
+                          HasSubstr("; and 1 more)\n")));
+    }
+    import.push_back("text");
 
     const Result unwritten = Genutil(import, {.environment = {"TMPDIR=/dev/null"}});
     EXPECT_EQ(unwritten.exitCode, 3);
     EXPECT_THAT(unwritten.error,
-                ::testing::HasSubstr("all.rtf: its prepared copy cannot be written to the folder "
-                                     "/dev/null: Not a directory; TMPDIR"));
+                HasSubstr("all.rtf: its prepared copy cannot be written to the folder "
+                          "/dev/null: Not a directory; TMPDIR"));
 }
 
 std::vector<std::string> Names() {

@@ -24,7 +24,7 @@ struct Outcome {
 };
 
 std::string_view Letter(ReviewFinding finding) {
-    return std::string_view("DRIKLPFSNXM").substr(static_cast<std::size_t>(finding), 1);
+    return std::string_view("DRIKLPFSNXMB").substr(static_cast<std::size_t>(finding), 1);
 }
 
 Outcome Prepare(const std::string& file) {
@@ -45,7 +45,7 @@ Outcome Prepare(const std::string& file) {
 
 /// The body of a table, prepared. Findings: D deleted text, R deleted row, I inserted text, K kept
 /// break, L label, P picture, F footnote, S soft hyphen, N non-breaking hyphen, X stray date,
-/// M comment in the margin.
+/// M comment in the margin, B drawing.
 struct Case {
     const char* body;
     const char* copy;
@@ -147,7 +147,7 @@ TEST(PrepareReview, LeavesOutGroupsThatAreNoText) {
              "\\cell",
              "1\\cell a{\\*\\shppict{\\pict 89}}{}{\r\n}b\\cell", "P1,1 P1,1 "},
             {"1\\cell{\\shp{\\*\\shpinst a}{\\shprslt{\\par b}}}\\cell",
-             "1\\cell{\\shp{\\*\\shpinst a}{}}\\cell", "P1,1 "},
+             "1\\cell{\\shp{\\*\\shpinst a}{}}\\cell", "B1,1 P1,1 "},
             {"1\\cell a{\\*\\annotation b}{\\*\\footnote\\ftnalt c}\\cell",
              "1\\cell a{\\*\\annotation b}{\\*\\footnote\\ftnalt c}\\cell", "M1,1 F1,1 "},
             {"1\\cell a{\\super\\chftn{\\footnote\\pard{\\chftn} n\\cell\\}\\row}}b\\cell",

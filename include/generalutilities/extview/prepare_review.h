@@ -31,8 +31,9 @@ enum class ReviewFinding : std::uint8_t {
     NonBreakingHyphen,  ///< U+2011: written so that it is read
     StrayDate,          ///< the date of a tracked change of format, written as text: left out
     MarginComment,      ///< a comment in the margin, which no cell holds: not read
+    Drawing,            ///< a text box or another drawing: not read
 };
-inline constexpr std::size_t ReviewFindingCount = 11;
+inline constexpr std::size_t ReviewFindingCount = 12;
 
 /// The finding as a word for programs: "deleted-text", "list-label", ...
 std::string_view ReviewFindingName(ReviewFinding finding);

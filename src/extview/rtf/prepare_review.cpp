@@ -14,9 +14,9 @@ namespace generalutilities {
 
 std::string_view ReviewFindingName(ReviewFinding finding) {
     constexpr std::string_view Names[ReviewFindingCount] = {
-        "deleted-text",        "deleted-row",      "inserted-text", "kept-break",
-        "list-label",          "fallback-picture", "footnote",      "soft-hyphen",
-        "non-breaking-hyphen", "stray-date",       "margin-comment"};
+        "deleted-text",        "deleted-row",      "inserted-text",  "kept-break",
+        "list-label",          "fallback-picture", "footnote",       "soft-hyphen",
+        "non-breaking-hyphen", "stray-date",       "margin-comment", "drawing"};
     return Names[static_cast<std::size_t>(finding)];
 }
 
@@ -59,6 +59,8 @@ std::string_view DescribeFinding(ReviewFinding finding) {
                    "format: left out";
         case ReviewFinding::MarginComment:
             return "a comment in the margin: not read; only the column of comments comes back";
+        case ReviewFinding::Drawing:
+            return "a text box or another drawing: not read";
     }
     return {};
 }

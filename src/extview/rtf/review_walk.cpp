@@ -39,6 +39,7 @@ constexpr Destination Destinations[] = {
 constexpr Destination StarredDestinations[] = {
     {"annotation", ReviewFinding::MarginComment},
     {"footnote", ReviewFinding::Footnote},
+    {"shpinst", ReviewFinding::Drawing},
 };
 
 constexpr std::string_view SoftHyphenText = "{\\uc0\\u173 }";
