@@ -1,6 +1,7 @@
 #include "platform/code_pages/code_pages.h"
 
 #include <gtest/gtest.h>
+#include <random>
 #include <thread>
 #include <vector>
 
@@ -80,6 +81,176 @@ TEST(CodePages, UndefinedBytesBecomeReplacements) {
     EXPECT_EQ(Decode(932, "\x65"), u"e");
 }
 
+std::string Encode(CodePageConverter& converter, std::u16string_view text) {
+    std::string bytes(converter.MeasureBytes(text), '\0');
+    converter.ToBytes(text, bytes.data());
+    return bytes;
+}
+
+std::u16string Decode(CodePageConverter& converter, std::string_view bytes) {
+    std::u16string text(converter.MeasureUnits(bytes), u'\0');
+    converter.ToUnits(bytes, text.data());
+    return text;
+}
+
+/// Of every page that is served: a character is in it when it comes back the same, and only then.
+/// The pages with a state are sampled.
+TEST(CodePages, HoldExactlyWhatComesBack) {
+    for (const CodePageDescription& page : KnownCodePages()) {
+        const auto converter = OpenCodePage(page.number);
+        ASSERT_EQ(converter != nullptr, page.service != CodePageService::None) << page.number;
+        if (converter == nullptr) {
+            continue;
+        }
+        const bool isTable = converter->MeasureUnits("\x1B$B\x80\x30\x80\x30") >= 6;
+        std::size_t held = 0;
+        for (std::uint32_t unit = 0; unit < 0xFFFE; unit += isTable ? 1 : 41) {
+            const auto character = static_cast<char16_t>(unit);
+            const std::u16string_view text(&character, 1);
+            const std::size_t foreign = converter->FindForeignUnit(text);
+            const bool comesBack = Decode(*converter, Encode(*converter, text)) == text;
+            // The mark itself comes back from what is not in the page, and ISCII reads some
+            // characters only beside others.
+            if (character != 0xFFFD && page.number / 100 != 570) {
+                ASSERT_EQ(foreign == CodePageConverter::NotFound, comesBack)
+                    << page.number << " U+" << std::hex << unit;
+            }
+            held += comesBack ? 1 : 0;
+        }
+        EXPECT_GT(held, isTable ? 120u : 5u) << page.number;
+    }
+}
+
+// Blocks, runs and both ends of them: a text converts like its characters one by one.
+TEST(CodePages, LongTextsConvertLikeTheirCharacters) {
+    const std::uint32_t seed = std::random_device()();
+    SCOPED_TRACE(testing::Message() << "seed " << seed);
+    std::mt19937 random(seed);
+    for (const std::uint32_t number : {1252u, 1251u, 1253u, 37u, 42u, 932u, 949u, 1361u, 65001u}) {
+        const auto page = OpenCodePage(number);
+        std::u16string own;
+        for (std::uint32_t unit = 0x80; unit < 0xFFFE; unit += unit < 0x600 ? 1 : 7) {
+            const auto character = static_cast<char16_t>(unit);
+            if (page->FindForeignUnit({&character, 1}) == CodePageConverter::NotFound) {
+                own += character;
+            }
+        }
+        for (int round = 0; round < 40; ++round) {
+            std::u16string text;
+            std::string bytes;
+            std::u16string back;
+            while (text.size() < 600) {
+                const bool ascii = random() % 2 == 0;
+                for (std::size_t left = random() % (round * 5 + 2); left > 0; --left) {
+                    text +=
+                        ascii ? static_cast<char16_t>(random() % 0x80) : own[random() % own.size()];
+                    bytes += Encode(*page, {&text.back(), 1});
+                    back += Decode(*page, Encode(*page, {&text.back(), 1}));
+                }
+                text += random() % 4 == 0 ? static_cast<char16_t>(random() % 0xD800) : u'.';
+                bytes += Encode(*page, {&text.back(), 1});
+                back += Decode(*page, Encode(*page, {&text.back(), 1}));
+            }
+            ASSERT_EQ(Encode(*page, text), bytes) << number;
+            ASSERT_EQ(Decode(*page, bytes), back) << number;
+        }
+    }
+}
+
+TEST(CodePages, SayWhereBytesAndCharactersFail) {
+    constexpr std::size_t None = CodePageConverter::NotFound;
+    const struct {
+        std::uint32_t codePage;
+        std::string_view bytes;
+        std::size_t undefined;
+    } byteCases[] = {
+        {1252, "abc", None},
+        {1255, "abc\xFF", 3},
+        {932, "a\x83\x65", None},
+        {932, "a\x83\x65\x83", 3},
+        {932, "\x83 a", 0},
+        {65001, "a\xC3\xA9\xC3", 3},
+        {65001, "\xEF\xBF\xBD", None},  // U+FFFD itself is a character
+        {54936, "a\x81\x30\x81", 1},
+        {50220, "ab\x1B$BF|\xFFz", 7},
+        {65001, "\xED\xA0\x80", 0},
+    };
+    for (const auto& test : byteCases) {
+        EXPECT_EQ(OpenCodePage(test.codePage)->FindUndefinedBytes(test.bytes), test.undefined)
+            << test.codePage;
+    }
+    std::string far(5000, 'a');
+    far += "\xC3";
+    EXPECT_EQ(OpenCodePage(65001)->FindUndefinedBytes(far), 5000u);
+
+    const struct {
+        std::uint32_t codePage;
+        std::u16string_view text;
+        std::size_t foreign;
+    } textCases[] = {
+        {1252, u"abc\u20AC", None},
+        {1252, u"abc\u0100", 3},
+        {932, u"0123456789012345\u30C6\u0100", 17},
+        {932, u"?\u200B", 1},
+        {65001, u"a\U00010000", None},
+        {65001, u"a\xDC00", 1},
+        {65001, u"ab\xD800", 2},
+        {50220, u"\u65E5\u200B", 1},
+        {52936, u"\u65E5\xD800", 1},
+        {54936, u"\U00010000", None},
+    };
+    for (const auto& test : textCases) {
+        EXPECT_EQ(OpenCodePage(test.codePage)->FindForeignUnit(test.text), test.foreign)
+            << test.codePage;
+    }
+}
+
+TEST(CodePages, StatefulPagesBeginAndEndInAscii) {
+    const struct {
+        std::uint32_t codePage;
+        std::u16string_view text;
+        std::string_view bytes;
+    } cases[] = {
+        {50220, u"a\u65E5", "a\x1B$BF|\x1B(B"},
+        {50220, u"\u65E5\u200B", "\x1B$BF|\x1B(B?"},
+        {50222, u"\uFF71", "\x0E\x31\x0F"},
+        {52936, u"\u65E5", "~{HU~}"},
+        {65000, u"\u20AC", "+IKw-"},
+        {51932, u"\u65E5\uFF71", "\xC6\xFC\x8E\xB1"},
+        {54936, u"\u20AC\xD800", "\xA2\xE3\x84\x31\xA4\x37"},
+        {1201, u"a\u20AC", std::string_view("\0a\x20\xAC", 4)},
+    };
+    for (const auto& test : cases) {
+        const auto page = OpenCodePage(test.codePage);
+        for (int call = 0; call < 2; ++call) {
+            EXPECT_EQ(Encode(*page, test.text), test.bytes) << test.codePage;
+        }
+    }
+}
+
+TEST(CodePages, FindTheBytesOfAUnit) {
+    const struct {
+        std::uint32_t codePage;
+        std::string_view bytes;
+        std::vector<std::size_t> offsets;
+    } cases[] = {
+        {1252, "abc", {0, 1, 2, 3}},
+        {932, "a\x83\x65\x83 z", {0, 1, 3, 4, 5, 6}},
+        {65001, "a\xE2\x82\xAC\xF0\x90\x80\x80z", {0, 1, 4, 4, 8, 9}},
+        {50220, "a\x1B$BF|F|", {0, 4, 6, 8}},
+    };
+    for (const auto& test : cases) {
+        const auto page = OpenCodePage(test.codePage);
+        for (std::size_t i = 0; i < test.offsets.size(); ++i) {
+            EXPECT_EQ(page->OffsetOfUnit(test.bytes, i), test.offsets[i])
+                << test.codePage << " unit " << i;
+        }
+    }
+    std::string far(9000, 'a');
+    far += "\xC3\xA9z";
+    EXPECT_EQ(OpenCodePage(65001)->OffsetOfUnit(far, 9001), 9002u);
+}
+
 TEST(CodePages, UnknownPagesGiveNothing) {
     for (const std::uint32_t codePage :
          {0xFFFFFFFFu, 10001u, 10003u, 10008u, 10002u, 10005u, 10004u, 10021u, 1u}) {
@@ -96,6 +267,8 @@ TEST(CodePages, ThreadsShareThePages) {
             for (int round = 0; round < 50; ++round) {
                 EXPECT_EQ(Decode(949, "\xB0\xA1"), u"가");
                 EXPECT_EQ(Decode(1361, "\x88\x61"), u"가");
+                const auto stateful = OpenCodePage(50220);
+                EXPECT_EQ(Encode(*stateful, u"日"), "\x1B$BF|\x1B(B");
             }
         });
     }

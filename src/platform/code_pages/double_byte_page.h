@@ -13,14 +13,12 @@ namespace generalutilities::code_pages {
 struct DoubleByteTable {
     explicit DoubleByteTable(const PageContent& page);
 
-    std::uint16_t CodeOf(char16_t unit) const { return codes[blocks[unit >> 8] + (unit & 0xFF)]; }
-    bool Holds(char16_t unit) const { return CodeOf(unit) != '?' || unit == u'?'; }
+    bool Holds(char16_t unit) const { return codes[unit] != '?' || unit == u'?'; }
 
     std::array<char16_t, 256> single;  ///< `PageContent::Lead` where a pair begins
     std::vector<char16_t> pairs;       ///< by `PageContent::PairIndex`
-    /// Two stages: where in `codes` the 256 units with one upper half stand. Upper halves without
-    /// any code share one block. A unit without a code has that of the question mark.
-    std::array<std::uint32_t, 256> blocks;
+    /// By code unit, as the bytes lie in memory: the second byte of a pair, which is never 0, on
+    /// top. A unit without a code has that of the question mark.
     std::vector<std::uint16_t> codes;
 };
 

@@ -26,27 +26,53 @@ SingleByteTable::SingleByteTable(const PageContent& page)
     }
 }
 
+namespace {
+
+/// One array read a character. The tables and the result cannot overlap, which the compiler would
+/// otherwise have to assume of bytes.
+template <class Entry, class From, class To>
+void LookUp(const Entry* __restrict table, const From* __restrict from, std::size_t length,
+            To* __restrict to) {
+    std::size_t i = 0;
+    for (; i + 8 <= length; i += 8) {
+        to[i] = static_cast<To>(table[from[i]]);
+        to[i + 1] = static_cast<To>(table[from[i + 1]]);
+        to[i + 2] = static_cast<To>(table[from[i + 2]]);
+        to[i + 3] = static_cast<To>(table[from[i + 3]]);
+        to[i + 4] = static_cast<To>(table[from[i + 4]]);
+        to[i + 5] = static_cast<To>(table[from[i + 5]]);
+        to[i + 6] = static_cast<To>(table[from[i + 6]]);
+        to[i + 7] = static_cast<To>(table[from[i + 7]]);
+    }
+    for (; i < length; ++i) {
+        to[i] = static_cast<To>(table[from[i]]);
+    }
+}
+
+}  // namespace
+
 // Blocks of ASCII go by vectors; any other block, and the rest, goes through the table.
 
 void SingleByteConverter::ToUnits(std::string_view bytes, char16_t* units) {
     for (std::size_t i = 0; i < bytes.size();) {
-        if (table.holdsAscii) {
-            i += WidenAscii(bytes.data() + i, bytes.size() - i, units + i);
-        }
-        for (const std::size_t end = std::min(bytes.size(), i + AsciiBlock); i < end; ++i) {
-            units[i] = table.characters[static_cast<unsigned char>(bytes[i])];
-        }
+        const std::size_t ascii =
+            table.holdsAscii ? WidenAscii(bytes.data() + i, bytes.size() - i, units + i) : 0;
+        i += ascii;
+        const std::size_t length = std::min(bytes.size() - i, PlainRun(ascii));
+        LookUp(table.characters.data(), reinterpret_cast<const unsigned char*>(bytes.data()) + i,
+               length, units + i);
+        i += length;
     }
 }
 
 void SingleByteConverter::ToBytes(std::u16string_view text, char* bytes) {
     for (std::size_t i = 0; i < text.size();) {
-        if (table.holdsAscii) {
-            i += NarrowAscii(text.data() + i, text.size() - i, bytes + i);
-        }
-        for (const std::size_t end = std::min(text.size(), i + AsciiBlock); i < end; ++i) {
-            bytes[i] = static_cast<char>(table.bytes[text[i]]);
-        }
+        const std::size_t ascii =
+            table.holdsAscii ? NarrowAscii(text.data() + i, text.size() - i, bytes + i) : 0;
+        i += ascii;
+        const std::size_t length = std::min(text.size() - i, PlainRun(ascii));
+        LookUp(table.bytes.data(), text.data() + i, length, bytes + i);
+        i += length;
     }
 }
 

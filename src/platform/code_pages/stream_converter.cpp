@@ -68,6 +68,8 @@ std::pair<UErrorCode, std::size_t> Decode(UConverter& converter, UConverterToUCa
     return {error, static_cast<std::size_t>(source - bytes.data())};
 }
 
+/// Encodes from the start and hands out chunk by chunk: bytes, how many. Gives the error and how
+/// many units were read.
 template <class Take>
 std::pair<UErrorCode, std::size_t> Encode(UConverter& converter, UConverterFromUCallback callback,
                                           const char16_t* mark, std::u16string_view text,
@@ -75,17 +77,30 @@ std::pair<UErrorCode, std::size_t> Encode(UConverter& converter, UConverterFromU
     UErrorCode error = U_ZERO_ERROR;
     ucnv_resetFromUnicode(&converter);
     ucnv_setFromUCallBack(&converter, callback, mark, nullptr, nullptr, &error);
+    const bool closes = ucnv_getType(&converter) != UCNV_HZ;
     const char16_t* source = text.data();
     const char16_t* const end = source + text.size();
     char bytes[ChunkSize];
     do {
         char* target = bytes;
         error = U_ZERO_ERROR;
-        ucnv_fromUnicode(&converter, &target, bytes + ChunkSize, &source, end, nullptr, true,
+        ucnv_fromUnicode(&converter, &target, bytes + ChunkSize, &source, end, nullptr, closes,
                          &error);
         take(bytes, static_cast<std::size_t>(target - bytes));
     } while (error == U_BUFFER_OVERFLOW_ERROR);
-    return {error, static_cast<std::size_t>(source - text.data())};
+    const auto read = static_cast<std::size_t>(source - text.data());
+    if (!closes && U_SUCCESS(error)) {
+        // This converter leaves the last shift open. A line end closes it, and is not handed out.
+        const char16_t lineEnd[] = u"\n";
+        const char16_t* next = lineEnd;
+        char* target = bytes;
+        ucnv_fromUnicode(&converter, &target, bytes + ChunkSize, &next, lineEnd + 1, nullptr, true,
+                         &error);
+        if (U_SUCCESS(error)) {
+            take(bytes, static_cast<std::size_t>(target - bytes - 1));
+        }
+    }
+    return {error, read};
 }
 
 }  // namespace

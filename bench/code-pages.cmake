@@ -1,0 +1,1 @@
+generalutilities_bench(code-pages-bench LINK gu-code-pages ICU::uc)
