@@ -18,12 +18,10 @@ TEST(Utf8, KeepsEveryScalarValueAndRefusesUnpairedSurrogates) {
     for (char32_t point = 0; point <= 0x10FFFF; ++point) {
         const bool surrogate = point >= 0xD800 && point < 0xE000;
         std::u16string text;
-        if (point < 0x10000) {
-            text = static_cast<char16_t>(point);
-        } else {
-            text = {static_cast<char16_t>(0xD7C0 + (point >> 10)),
-                    static_cast<char16_t>(0xDC00 + (point & 0x3FF))};
+        if (point >= 0x10000) {
+            text += static_cast<char16_t>(0xD7C0 + (point >> 10));
         }
+        text += static_cast<char16_t>(point < 0x10000 ? point : 0xDC00 + (point & 0x3FF));
         const auto bytes = ToUtf8(text);
         ASSERT_EQ(bytes.has_value(), !surrogate) << std::hex << std::uint32_t{point};
         ASSERT_EQ(FromUtf8(ToUtf8Lossy(text)), surrogate ? u"\uFFFD" : text)

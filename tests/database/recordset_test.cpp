@@ -356,14 +356,7 @@ TEST_F(ExactText, ComesBackThroughValuesKeysAndLiterals) {
     const unsigned seed = std::random_device()();
     random.seed(seed);
     SCOPED_TRACE("seed " + std::to_string(seed));
-    std::vector<std::u16string> texts = {u"\uFEFF",
-                                         u"\uFFFE",
-                                         u"\uFEFF\uFEFFa",
-                                         u"\uFFFE\uFEFF",
-                                         u"\xFFFE"
-                                         u"a",
-                                         std::u16string(3, u'\0'),
-                                         u""};
+    std::vector<std::u16string> texts = {u"\uFEFF", u"\uFFFE", std::u16string(3, u'\0'), u""};
     while (texts.size() < 400) {
         texts.push_back(RandomText());
     }
