@@ -40,13 +40,17 @@ bool WalksAnIndex(const std::string& step, std::string_view how) {
     return step.starts_with("SCAN ") && step.find(how) != std::string::npos;
 }
 
-/// Whether rowids are in a list of ascending ones: a bit for each rowid of its range, unless the
-/// range has many more than the list.
+/// Whether rowids are in a list: a bit for each rowid of its range, unless the range has many more
+/// than the list.
 class Members {
   public:
-    explicit Members(std::vector<std::int64_t> ascending) : rowIds(std::move(ascending)) {
+    explicit Members(std::vector<std::int64_t> list) : rowIds(std::move(list)) {
         if (rowIds.empty()) {
             return;
+        }
+        // A table gives its rowids in ascending order, but a damaged one may not.
+        if (!std::is_sorted(rowIds.begin(), rowIds.end())) {
+            std::sort(rowIds.begin(), rowIds.end());
         }
         first = static_cast<std::uint64_t>(rowIds.front());
         constexpr std::uint64_t MostBitsPerRow = 64;
@@ -132,11 +136,11 @@ bool ReadKeys(Connection& connection, const KeyQuery& query, const std::vector<L
         done = ReadRowIds(connection, query.sql, query.keyColumn, literals, take);
     } else {
         const ReadSpan span(connection);  // both runs see one state of the file
-        std::vector<std::int64_t> ascending;
+        std::vector<std::int64_t> inTable;
         done = ReadRowIds(connection, query.membersSql, 0, literals,
-                          [&](std::int64_t rowId) { ascending.push_back(rowId); });
-        const std::size_t count = ascending.size();
-        const Members members(std::move(ascending));
+                          [&](std::int64_t rowId) { inTable.push_back(rowId); });
+        const std::size_t count = inTable.size();
+        const Members members(std::move(inTable));
         keys.reserve(count);
         done = done && ReadRowIds(connection, query.orderSql, 0, literals, [&](std::int64_t rowId) {
                    if (members.Contains(rowId)) {
