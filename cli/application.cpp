@@ -3,6 +3,7 @@
 #include "command.h"
 #include "commands/accept_command.h"
 #include "commands/classes_command.h"
+#include "commands/codepage_command.h"
 #include "commands/export_command.h"
 #include "commands/import_command.h"
 #include "commands/language_command.h"
@@ -42,6 +43,7 @@ void AddCommands(CLI::App& app, CommandContext& context) {
     AddAcceptCommand(app, context);
     AddTextCommand(app, context);
     AddLanguageCommand(app, context);
+    AddCodePageCommand(app, context);
     AddClassesCommand(app, context);
     AddRegisterCommands(app, context);
 }

@@ -75,7 +75,7 @@ TEST(CommandLine, HelpSuffices) {
     EXPECT_THAT(Genutil({"--version"}).output, HasSubstr("genutil 0."));
     EXPECT_THAT(Genutil({"--help"}).output, HasSubstr("Exit codes: 0 done"));
     for (const std::string command : {"export", "import", "review", "accept", "project", "text",
-                                      "classes", "register", "unregister"}) {
+                                      "codepage", "classes", "register", "unregister"}) {
         const Result result = Genutil({command, "--help"});
         EXPECT_EQ(result.exitCode, 0) << command;
         EXPECT_THAT(result.output, HasSubstr("Usage: genutil " + command)) << command;
@@ -106,6 +106,54 @@ TEST(CommandLine, ConvertsTexts) {
          "line 2, byte offset 4, byte 0xFF: not valid UTF-8",
          "ab\nc\xFFx\n"},
     });
+}
+
+TEST(CommandLine, ConvertsCodePages) {
+    const TemporaryFolder folder;
+    const std::string file = folder.Write("old.txt", "\xCF\xF0\xFF\n");
+    const std::string result = folder / "new.txt";
+    Check({
+        {{"codepage", "convert", "--from", "1251", file}, 0, "Пря\n", ""},
+        {{"codepage", "convert", "--from", "1251", file, "-o", result}, 0, "", ""},
+        {{"codepage", "convert", "--from", "1251", file, "-o", result}, 3, "", "exists"},
+        {{"codepage", "convert", "--from", "65001", "--to", "1251", result},
+         0,
+         "\xCF\xF0\xFF\n",
+         ""},
+        {{"codepage", "convert", "--from", "65001", "--to", "866"},
+         0,
+         "\xA1",
+         "",
+         "\xEF\xBB\xBF\xD0\xB1"},
+        {{"codepage", "convert", "--from", "1252"}, 0, "", "", ""},
+        {{"codepage", "convert", "--from", "932"},
+         3,
+         "",
+         "standard input, byte offset 3, byte 0x83: no character of code page 932 begins here",
+         "a\x83\x65\x83"},
+        {{"codepage", "convert", "--from", "65001", "--to", "1252"},
+         3,
+         "",
+         "byte offset 2, byte 0xD0: U+0410 is not in code page 1252; --replace",
+         "é\xD0\x90"},
+        {{"codepage", "convert", "--from", "65001", "--to", "1252", "--replace", "-"},
+         0,
+         "\xE9?",
+         "warning: standard input, byte offset 2",
+         "é\xD0\x90"},
+        {{"codepage", "convert", "--from", "10001"}, 2, "", "--from 10001: this code page is not"},
+        {{"codepage", "convert", "--from", "1251", folder / "none"}, 3, "", "No such file"},
+        {{"codepage", "fits", "café", "שלום"}, 0, "1252 1250 1254 1256 1257 1258 936\n1255\n", ""},
+        {{"codepage", "fits", "אб"}, 1, "\n", ""},
+        {{"codepage", "fits", "--code-page", "1252"},
+         1,
+         "yes\nno\t7\tU+03A9\n",
+         "",
+         "A\nnaïve Ω\n"},
+        {{"codepage", "fits", "-c", "99999", "A"}, 2, "", "--code-page 99999"},
+    });
+    EXPECT_THAT(Genutil({"codepage", "list"}).output,
+                HasSubstr("\n1361\ticonv\tJOHAB\tKorean (Johab)\n"));
 }
 
 TEST(CommandLine, SearchesAndMeasuresTexts) {

@@ -1,0 +1,9 @@
+#pragma once
+
+#include "command.h"
+
+namespace generalutilities::cli {
+
+void AddCodePageConvertCommand(CLI::App& codePage, CommandContext& context);
+
+}  // namespace generalutilities::cli
