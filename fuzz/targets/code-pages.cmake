@@ -1,0 +1,1 @@
+generalutilities_fuzz(code-pages LINK gu-code-pages)
