@@ -1,6 +1,5 @@
+#include "case_table.h"
 #include "recording_reader.h"
-
-#include <gtest/gtest.h>
 
 namespace generalutilities {
 namespace {
@@ -11,83 +10,41 @@ using testing::RecordingReader;
 using CodePages = rtf::FontCodePages;
 using Names = rtf::StyleNames;
 
-TEST(RtfHead, FontTable) {
-    const struct {
-        const char* table;
-        CodePages codePages;
-    } cases[] = {
-        {"{\\f0\\froman\\fcharset0 A;}{\\f1\\fcharset238 B;}", {{0, 1252}, {1, 1250}}},
-        {"\\f0\\fcharset204 A;\\f1\\fcharset1 B;", {{0, 1251}, {1, 0}}},
-        {"{\\f7\\fcharset128 A;}{\\f7\\fcharset134 B;}", {{7, 936}}},
-        {"{\\f0\\fcharset999 A;}", {{0, -1}}},
-        {"{\\f0\\fcharset A;}{\\f1\\fcharset2 B;}", {{1, 42}}},
-        {"{\\f0\\fcharset-1 A;}", {}},
-        {"{\\f-1\\fcharset0 A;}{\\f1\\fcharset0 B;}", {{1, 1252}}},
-        {"{\\fbidi \\f3\\fcharset178 A;}{\\f4\\fcharset177 B;}", {{4, 1255}}},
-        {"{\\f0 no set;}{\\f1\\fcharset161 B;}{\\f2\\fcharset162 C;}", {{0, 1253}, {2, 1254}}},
-        {"{\\f0 no set;}{\\f1 none either;}", {}},
-        {"{\\f0\\fcharset0 no end}", {{0, 1252}}},
-        {"{\\f0\\fcharset0 {\\*\\falt \\}x}A;}{\\f1\\fcharset255 B;}", {{0, 1252}, {1, 850}}},
-        {"{\\f99999999999\\fcharset0 A;}", {{2147483647, 1252}}},
-        {"", {}},
-    };
-    for (const auto& test : cases) {
-        RecordingReader reader;
-        ASSERT_TRUE(reader.Open(
-            FileOf(std::string("{\\fonttbl") + test.table + "}{\\stylesheet}\\pard x}")));
-        EXPECT_TRUE(reader.Prepare()) << test.table;
-        EXPECT_EQ(reader.fontCodePages, test.codePages) << test.table;
+/// A map as "key=value|key=value".
+template <class Map>
+std::string Words(const Map& map) {
+    std::ostringstream words;
+    for (const auto& [key, value] : map) {
+        words << (words.tellp() > 0 ? "|" : "") << key << "=" << value;
+    }
+    return words.str();
+}
+
+TEST(RtfHead, FontTablesAndStyleSheets) {
+    for (const bool fonts : {true, false}) {
+        for (const auto& row : CaseTable(fonts ? "font_tables.tsv" : "style_sheets.tsv")) {
+            const std::string table = Bytes(row[0]);
+            RecordingReader reader;
+            ASSERT_TRUE(reader.Open(FileOf("{\\fonttbl" + (fonts ? table : "") + "}{\\stylesheet" +
+                                           (fonts ? "" : table) + "}\\pard x}")));
+            EXPECT_TRUE(reader.Prepare()) << table;
+            EXPECT_EQ(fonts ? Words(reader.fontCodePages) : Words(reader.styleNames), Bytes(row[1]))
+                << table;
+        }
     }
 }
 
 TEST(RtfHead, CharacterSets) {
-    const std::pair<std::int32_t, std::int32_t> sets[] = {
-        {0, 1252},   {1, 0},      {2, 42},     {3, -1},     {77, 10000}, {78, 10001}, {79, 10003},
-        {80, 10008}, {81, 10002}, {82, -1},    {83, 10005}, {84, 10004}, {85, 10006}, {86, 10081},
-        {87, 10021}, {88, 10029}, {89, 10007}, {128, 932},  {129, 949},  {130, 1361}, {134, 936},
-        {136, 950},  {161, 1253}, {162, 1254}, {163, 1258}, {177, 1255}, {178, 1256}, {186, 1257},
-        {204, 1251}, {222, 874},  {238, 1250}, {254, 437},  {255, 850},  {256, -1},
-    };
     std::string table;
     CodePages expected;
-    for (const auto& [set, codePage] : sets) {
-        const std::string number = std::to_string(set);
-        table += "{\\f" + number + "\\fcharset" + number + " N;}";
-        expected[set] = codePage;
+    for (const auto& row : CaseTable("character_sets.tsv")) {
+        table += "{\\f" + Bytes(row[0]) + "\\fcharset" + Bytes(row[0]) + " N;}";
+        expected[Number(row[0])] = Number(row[1]);
     }
     RecordingReader reader;
     ASSERT_TRUE(reader.Open(FileOf("{\\fonttbl" + table + "}{\\stylesheet}\\pard")));
     ASSERT_TRUE(reader.Prepare());
     EXPECT_EQ(reader.fontCodePages, expected);
-}
-
-TEST(RtfHead, StyleSheet) {
-    const struct {
-        const char* sheet;
-        Names names;
-    } cases[] = {
-        {"{\\s1 heading 1;}{\\cs2 Strong;}", {{1, "1"}, {2, "Strong"}}},
-        {"{\\*\\cs10 tw4winMark;}{\\*\r\n\n\\cs11 \\i tw4winInternal;}",
-         {{10, "tw4winMark"}, {11, "tw4winInternal"}}},
-        {"{\\*\\ts11 Table;}{\\ds3 Section;}{\\ql \\snext0 Normal;}", {}},
-        {"{\\snext0 Normal;}", {{0, "Normal"}}},  // any word on "s"; no digits count as 0
-        {"{\\s5 First;}{\\cs5 Second;}", {{5, "First"}}},
-        {"{\\s5 a;b;}{\\s6 no semicolon}{\\s7 c\r\nd;}", {{5, "a;b"}, {6, "a;b"}, {7, "d"}}},
-        {"{\\s5}{\\s6 x;}", {{5, ""}, {6, "x"}}},
-        {"{\\s5\\b;}", {{5, "\\s5\\b"}}},  // no blank before the name
-        {"{Normal;}{\\s1 x;}", {{1, "x"}}},
-        {"{\\s1{\\*\\keycode x;}A;}{\\s2 y;}", {{1, "x;}A"}, {2, "y"}}},
-        {"{\\s1 \\} a\\\\;}{\\s2 b;}", {{1, "a\\\\"}, {2, "b"}}},
-        {"\\{\\s4 a;\\}b", {{4, "a"}}},  // any brace begins an entry, also an escaped one
-        {"", {}},
-    };
-    for (const auto& test : cases) {
-        RecordingReader reader;
-        ASSERT_TRUE(reader.Open(
-            FileOf(std::string("{\\fonttbl}{\\stylesheet") + test.sheet + "}\\pard x}")));
-        EXPECT_TRUE(reader.Prepare()) << test.sheet;
-        EXPECT_EQ(reader.styleNames, test.names) << test.sheet;
-    }
 }
 
 TEST(RtfHead, BothTablesMustBeThereAndEnd) {

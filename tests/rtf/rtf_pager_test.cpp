@@ -1,8 +1,7 @@
+#include "case_table.h"
 #include "extview/rtf/control_word.h"
 #include "extview/rtf/rtf_file_pager.h"
 #include "memory_file.h"
-
-#include <gtest/gtest.h>
 
 namespace generalutilities {
 namespace {
@@ -87,39 +86,10 @@ TEST(RtfFilePager, AFailedReadEndsTheFile) {
 }
 
 TEST(ControlWord, NameArgumentAndSpace) {
-    const std::string longName(40, 'q');
-    const struct {
-        std::string text;  ///< behind the backslash
-        std::string name;
-        std::int32_t argument;
-        std::uint32_t nameEnd;
-        std::uint32_t end;
-    } cases[] = {
-        {"par x", "par", 0, 3, 4},
-        {"par  x", "par", 0, 3, 4},
-        {"f12 x", "f", 12, 1, 4},
-        {"f12x", "f", 12, 1, 3},
-        {"u-3913?", "u", -3913, 1, 6},
-        {"u--5", "u", 0, 1, 2},
-        {"u- 5", "u", 0, 1, 3},
-        {"* \\x", "*", 0, 1, 2},
-        {"*\\x", "*", 0, 1, 1},
-        {"Aa*b7;", "Aa*b", 7, 4, 5},
-        {"aB ", "aB", 0, 2, 3},
-        {" x", "", 0, 0, 1},
-        {"7x", "", 7, 0, 1},
-        {"\r\n", "", 0, 0, 0},
-        {"", "", 0, 0, 0},
-        {"ab", "ab", 0, 2, 2},
-        {"ab-", "ab", 0, 2, 3},
-        {"ab1", "ab", 1, 2, 3},
-        {longName + "1 ", longName, 1, 40, 42},
-        {"u2147483648 ", "u", 2147483647, 1, 12},
-        {"u-99999999999999999999999999 ", "u", -2147483647 - 1, 1, 29},
-        {"u0000000000000000000000000065x", "u", 65, 1, 29},
-        {"caf\xC3\xA9 x", "caf\xC3\xA9", 0, 5, 6},
-    };
-    for (const auto& test : cases) {
+    for (const auto& row : CaseTable("control_words.tsv")) {
+        const std::string text = Bytes(row[0]);
+        const auto end = static_cast<std::uint32_t>(Number(row[4]));
+        const auto nameEnd = static_cast<std::uint32_t>(Number(row[3]));
         // At the start of a file, at its end, and around the border of two pages.
         for (const std::uint32_t before :
              {0u, 40u, Page - 17, Page - 3, Page - 2, Page - 1, Page}) {
@@ -127,17 +97,16 @@ TEST(ControlWord, NameArgumentAndSpace) {
                 if (*behind == '\0' && before == 40) {
                     continue;
                 }
+                SCOPED_TRACE(text + " at " + std::to_string(before));
                 RtfFilePager pager;
-                ASSERT_TRUE(pager.Open(FileOf(std::string(before, '.') + test.text + behind)));
+                ASSERT_TRUE(pager.Open(FileOf(std::string(before, '.') + text + behind)));
                 std::string spill;
                 const rtf::ControlWord word = rtf::ReadControlWord(pager, before, spill);
-                EXPECT_EQ(word.name, test.name) << test.text << " at " << before;
-                EXPECT_EQ(word.argument, test.argument) << test.text << " at " << before;
-                EXPECT_EQ(word.nameEnd - before, test.nameEnd) << test.text << " at " << before;
-                EXPECT_EQ(word.end - before, test.end) << test.text << " at " << before;
-                EXPECT_EQ(word.hasArgument,
-                          word.name.size() + 1 <= test.end && test.text.at(test.nameEnd) != ' ')
-                    << test.text << " at " << before;
+                EXPECT_EQ(word.name, Bytes(row[1]));
+                EXPECT_EQ(word.argument, Number(row[2]));
+                EXPECT_EQ(word.nameEnd - before, nameEnd);
+                EXPECT_EQ(word.end - before, end);
+                EXPECT_EQ(word.hasArgument, word.name.size() + 1 <= end && text.at(nameEnd) != ' ');
             }
         }
     }

@@ -1,13 +1,10 @@
 #include "extview/rtf/rtf_reader.h"
 
+#include "case_table.h"
 #include "sample_head.h"
-
-#include <gtest/gtest.h>
 
 namespace generalutilities {
 namespace {
-
-using namespace std::string_view_literals;
 
 using testing::Event;
 using testing::FileOf;
@@ -15,110 +12,10 @@ using testing::Head;
 using testing::RecordingReader;
 using testing::TextOf;
 
-struct TextCase {
-    const char* body;
-    std::u16string_view text;
-};
-
-void ExpectTexts(std::initializer_list<TextCase> cases) {
-    for (const TextCase& test : cases) {
-        EXPECT_EQ(TextOf(test.body), test.text) << test.body;
+TEST(RtfReader, Texts) {
+    for (const auto& row : CaseTable("reader_texts.tsv")) {
+        EXPECT_EQ(TextOf(Bytes(row[0])), row[1]) << Bytes(row[0]);
     }
-}
-
-TEST(RtfReader, CharactersAndEscapes) {
-    ExpectTexts({
-        {"abc", u"abc"},
-        {"a\\\\b\\{c\\}d", u"a\\b{c}d"},
-        {"a\r\nb\nc", u"abc"},
-        {"a\tb", u"a\tb"},
-        {"\xE9\x80", u"\uFFE9\uFF80"},  // a raw byte keeps its sign, whatever the font
-        {"\\\xE9", u""},                // behind a backslash it is the name of a word
-        {"a{\\b b}c", u"abc"},
-        {"a\\v b\\v0\\plain c", u"abc"},
-        {"a\\fonttblx b", u"ab"},
-        {"a\\\r\nb", u"ab"},
-        {"a\\ b", u"ab"},
-        {"a\\5b", u"ab"},
-        {"a\\|b", u"a"},
-        {"}}}a{{{{b", u"ab"},
-    });
-}
-
-TEST(RtfReader, SpecialWords) {
-    ExpectTexts({
-        {"a\\par b\\par\\par c", u"a\r\nb\r\n\r\nc"},
-        {"a\\line b\\tab c", u"a\nb\tc"},
-        {"\\lquote a\\rquote s\\ldblquote b\\rdblquote\\rdblquote", u"‘a’s“b””"},
-        {"\\bullet\\endash\\emdash", u"•–—"},
-        {"\\zwbo\\zwnbo\\zwj\\zwnj", u"\u200B\uFEFF\u200D\u200C"},
-        {"a\\~b\\_c\\-d\\:e", u"a\u00A0b-cde"},
-        {"a\\~ b\\- c", u"a\u00A0 b c"},      // these take no space
-        {"a\\par5b\\tab-5", u"a\r\n5b\t-5"},  // nor do words take an argument
-        {"a\\pard b\\parx c\\Par d\\tabs e", u"abcde"},
-        {"a\\par\r\nb", u"a\r\nb"},
-        {"a\\par  b", u"a\r\n b"},
-    });
-}
-
-TEST(RtfReader, UnicodeAndFallbacks) {
-    ExpectTexts({
-        {"\\u8217\\'92x", u"\u2019x"},
-        {"\\u8217?x", u"\u2019x"},
-        {"\\uc0\\u8217 x", u"\u2019x"},
-        {"\\uc0\\u-3913 x", u"\uF0B7x"},
-        {"\\uc0\\u55357 \\u56832 ", u"\U0001F600"},
-        {"\\uc0\\u55357 ", u"\xD83D"},
-        {"\\uc0\\u65601 \\u ", u"A\0"sv},  // kept to 16 bits; no argument is 0
-        {"\\uc0\\u99999999999 \\u-99999999999 ", u"\uFFFF\0"sv},
-        {"\\uc2\\u233\\'c3\\'a9x", u"éx"},
-        {"\\uc2\\u65 \\'41x\\'42y", u"ABy"},  // one byte and one character
-        {"\\uc1\\u65 \\u66 cd",
-         u"Ad"},  // a Unicode character is itself a fallback, then asks for one
-        {"\\uc3\\u65\\'41\\'42\\'43\\'44x", u"ADx"},  // dropped from the front of a run
-        {"\\u65\\par x", u"A\nx"},                    // of two characters the first is dropped
-        {"\\u65\\-\\~x", u"Ax"},
-        {"\\u65\r\n?x", u"Ax"},
-        {"\\u65{?}x", u"Ax"},  // a count goes on behind a brace, and behind a word
-        {"\\u65\\b ?x", u"Ax"},
-        {"\\uc3\\u65 a}b\\uc0\\u66 cde", u"Acde"},
-        {"{\\uc2\\u65 ab}\\u66 cd", u"ABd"},  // the outer count holds again
-        {"\\uc2{\\u65 ab\\uc0}\\u66 cdx", u"ABx"},
-        {"\\uc-1\\u65 everything else", u"A"},
-        {"\\uc\\u65 x", u"Ax"},
-    });
-}
-
-// The document says code page 1251; each font's character set decides all the same.
-TEST(RtfReader, BytesFollowTheFont) {
-    ExpectTexts({
-        {"\\'e9\\'E9", u"éé"},
-        {"\\f1\\'f8", u"ř"},
-        {"\\f2\\'e9", u"й"},
-        {"\\f3\\'83\\'65\\'83X", u"テ\uFFFDX"},
-        {"\\f3\\'83\\'65\\'83\\'58\\'83\\'67", u"テスト"},
-        {"\\f3\\'83{\\'65}", u"\uFFFDe"},  // a run of escapes ends at the brace
-        {"\\f4\\'b7 ", u"\uF0B7 "},
-        {"\\f5 a\\'e9z", u"az"},  // an unknown character set gives nothing
-        {"\\f77\\'80", u"€"},     // a font without an entry: the system's code page
-        {"\\f2{\\f1\\'f8}\\'e9", u"řй"},
-        {"\\f2{\\af1\\'f8}\\'e9", u"řй"},
-        {"\\'4g\\'xAb", u"@\u000Ab"},  // what is no digit counts as 0
-    });
-}
-
-TEST(RtfReader, Destinations) {
-    ExpectTexts({
-        {"{\\*\\shppict{\\pict abc}}text", u"text"},
-        {"a{\\*\\x \\}\\{b}c", u"ac"},
-        {"a{\\*\\x b\\\\}c", u"ac"},
-        {"a{\\*\\x b\\\\\\}c}d", u"ad"},
-        {"a\\* b}c", u"ac"},  // without a group of its own, it ends the one around it
-        {"a{\\*1 b}c", u"ac"},
-        {"a{\\*x b}c", u"abc"},  // another word
-        {"a{\\*\\x{b\\par c}\\cell}\\f2\\'e9", u"aй"},
-        {"a{\\*\\x b{c}d", u"a"},  // never closed
-    });
 }
 
 struct EventCase {
