@@ -54,7 +54,7 @@ class MemoryProject final : public Database {
     }
     bool BeginTrans() override { return true; }
     bool CommitTrans() override { return true; }
-    bool Rollback() override { return true; }
+    bool Rollback() noexcept override { return true; }
     bool CreateTable(const TableDefinition& definition) override {
         Table table{definition.name, {}, {}, {}};
         for (const FieldDefinition& field : definition.fields) {

@@ -16,9 +16,9 @@
 ///
 /// Conventions. Names and SQL texts are UTF-16 and names compare without regard to case. SQL is in
 /// the Jet dialect (`\` is integer division, `Mod` the remainder, -1 is a true yes/no value, texts
-/// stand in single or double quotes). Nothing throws: an operation that fails gives false, null or
-/// nothing, and `Database::LastFailure` says why. One database with its recordsets is used by one
-/// thread at a time.
+/// stand in single or double quotes). An operation that fails gives false, null or nothing, and
+/// `Database::LastFailure` says why; the one exception that is thrown is `std::bad_alloc`. One
+/// database with its recordsets is used by one thread at a time.
 namespace generalutilities {
 
 /// What went wrong in the latest failing operation of a database.
@@ -124,11 +124,14 @@ class Database {
     /// Runs an action query.
     virtual bool Execute(std::u16string_view query) = 0;
 
-    /// Transactions nest; only the outermost commit makes the work visible to others.
+    /// Transactions nest; only the outermost commit makes the work visible to others. Where
+    /// something in a transaction failed for want of memory or on the disk, no commit succeeds: it
+    /// has to be rolled back.
     virtual bool BeginTrans() = 0;
+    /// Without success the transaction stays open.
     virtual bool CommitTrans() = 0;
-    /// Undoes everything since the matching `BeginTrans`.
-    virtual bool Rollback() = 0;
+    /// Undoes everything since the matching `BeginTrans`, and leaves it in any case.
+    virtual bool Rollback() noexcept = 0;
 
     virtual bool CreateTable(const TableDefinition& table) = 0;
 

@@ -1,5 +1,7 @@
 #include "extview/dao_table_builder.h"
 
+#include "extview/transaction.h"
+
 #include <utility>
 
 namespace generalutilities {
@@ -38,14 +40,11 @@ bool DaoTableBuilder::Create(std::u16string_view name, bool dropFirst) {
         return false;
     }
     if (dropFirst) {
-        const bool begun = database->BeginTrans();
+        Transaction transaction(*database);
         if (!database->Execute(u"DROP TABLE " + table.name)) {
             DebugOutput(u"Error in dropping table:\n" + Lines(database->LastFailure()));
         }
-        // A commit without a begin of its own would end a transaction of the caller's.
-        if (begun) {
-            database->CommitTrans();
-        }
+        transaction.Commit();
     }
     return true;
 }

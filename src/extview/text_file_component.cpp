@@ -2,6 +2,8 @@
 
 #include <generalutilities/automation/pointers.h>
 
+#include <new>
+
 namespace generalutilities {
 
 namespace {
@@ -60,6 +62,11 @@ class CTextFileStream : public WithoutLateBinding<ITextFileStream> {
     std::unique_ptr<TextFileStream> stream;
 };
 
+/// A stream's answer. That memory ran out must not pass for a stream that takes no more.
+bool Done(HRESULT status) {
+    return status != E_OUTOFMEMORY ? Succeeded(status) : throw std::bad_alloc();
+}
+
 class ComponentStream final : public TextFileStream {
   public:
     explicit ComponentStream(ComPtr<ITextFileStream> opened) : stream(std::move(opened)) {}
@@ -67,9 +74,12 @@ class ComponentStream final : public TextFileStream {
     bool Write(std::u16string_view text) override {
         const Bstr string(text);
         std::int32_t written = 0;
-        return Succeeded(stream->Write(string.Get(), &written));
+        if (string.Get() == nullptr) {
+            throw std::bad_alloc();
+        }
+        return Done(stream->Write(string.Get(), &written));
     }
-    bool Close() override { return Succeeded(stream->Close()); }
+    bool Close() override { return Done(stream->Close()); }
 
   private:
     ComPtr<ITextFileStream> stream;

@@ -174,7 +174,9 @@ TEST_F(Engine, NothingIsWrittenBehindATransactionThatWasLost) {
     EXPECT_FALSE(database->Execute(u"INSERT INTO Pairs (ID) VALUES ('z')"));
     EXPECT_FALSE(database->CreateTable({u"Reimporting", {{u"ID"}}}));
     EXPECT_FALSE(database->CommitTrans());
+    EXPECT_TRUE(database->Rollback());
     EXPECT_FALSE(database->CommitTrans());
+    EXPECT_TRUE(database->Rollback());
     EXPECT_NE(Words().find("undone"), std::string::npos) << Words();
     EXPECT_EQ(Rows(), 0);
     Run(u"INSERT INTO Pairs (ID) VALUES ('x')");

@@ -13,7 +13,16 @@ namespace generalutilities::sqlite {
 
 namespace {
 
+constexpr char UndoWork[] = "Undoing a transaction";
+
 std::atomic<int> busyTimeoutOfNewFiles = DefaultBusyTimeout;
+
+/// True for a failure that lies in what was asked for, or that passes: the next request in the same
+/// transaction may well succeed.
+bool IsOfTheRequest(DatabaseFailure::Kind kind) {
+    using Kind = DatabaseFailure::Kind;
+    return kind == Kind::Query || kind == Kind::NotFound || kind == Kind::Locked;
+}
 
 }  // namespace
 
@@ -69,6 +78,9 @@ bool Connection::ReadEncoding() {
 }
 
 int Connection::PrepareEntry(std::string_view sql, Statement& statement) {
+    if (undoPending && !UndoAll()) {
+        return SQLITE_NOMEM;
+    }
     const std::size_t hash = std::hash<std::string_view>()(sql);
     const auto found = std::find_if(idle.rbegin(), idle.rend(), [&](const auto& entry) {
         return entry->hash == hash && entry->sql == sql;
@@ -185,43 +197,44 @@ bool Connection::CommitTrans() {
     if (transactionDepth == 0) {
         return Fail(DatabaseFailure::Kind::Other, "No transaction is open.");
     }
-    if (!MayWrite()) {
-        LeaveLost();
-        return false;
-    }
     const std::string sql =
         transactionDepth == 1 ? "COMMIT" : "RELEASE level" + std::to_string(transactionDepth - 1);
-    if (!Run(sql, "Committing a transaction")) {
+    if (!MayWrite() || !Run(sql, "Committing a transaction")) {
         return false;
     }
     --transactionDepth;
     return true;
 }
 
-bool Connection::Rollback() {
-    if (transactionDepth == 0) {
-        return Fail(DatabaseFailure::Kind::Other, "No transaction is open.");
-    }
-    Changed();
-    if (!MayWrite()) {
-        LeaveLost();
-        return true;
-    }
-    const std::string level = "level" + std::to_string(transactionDepth - 1);
-    const bool done = transactionDepth == 1
-                          ? Run("ROLLBACK", "Undoing a transaction")
-                          : Run("ROLLBACK TO " + level, "Undoing a transaction") &&
-                                Run("RELEASE " + level, "Undoing a transaction");
-    if (done) {
+bool Connection::Rollback() noexcept {
+    try {
+        if (transactionDepth == 0) {
+            return Fail(DatabaseFailure::Kind::Other, "No transaction is open.");
+        }
+        Changed();
         --transactionDepth;
+        if (transactionDepth == 0) {
+            transactionLost = false;
+            return UndoAll();
+        }
+        if (!MayWrite()) {
+            return true;  // The outermost level undoes everything.
+        }
+        transactionLost = true;
+        const std::string level = "level" + std::to_string(transactionDepth);
+        transactionLost =
+            !Run("ROLLBACK TO " + level, UndoWork) || !Run("RELEASE " + level, UndoWork);
+        return !transactionLost;
+    } catch (const std::bad_alloc&) {
+        FailOutOfMemory();
+        return false;
     }
-    return done;
 }
 
-void Connection::LeaveLost() {
-    if (--transactionDepth == 0) {
-        transactionLost = false;
-    }
+bool Connection::UndoAll() noexcept {
+    undoPending = sqlite3_get_autocommit(database) == 0 &&
+                  sqlite3_exec(database, "ROLLBACK", nullptr, nullptr, nullptr) != SQLITE_OK;
+    return !undoPending;
 }
 
 bool Connection::MayWrite() {
@@ -229,14 +242,18 @@ bool Connection::MayWrite() {
         transactionLost = true;
     }
     return !transactionLost || Fail(DatabaseFailure::Kind::Other,
-                                    "The transaction was undone after an earlier failure.");
+                                    "The transaction has to be undone after an earlier failure.");
 }
 
 bool Connection::Fail(int status, const char* work) {
+    CheckMemory(status);
     const char* message = (sqlite3_errcode(database) & 0xFF) == (status & 0xFF)
                               ? sqlite3_errmsg(database)
                               : sqlite3_errstr(status);
     failure = DescribeFailure(status, message, work, fileName);
+    if (transactionDepth > 0 && !IsOfTheRequest(failure.kind)) {
+        transactionLost = true;
+    }
     if (failure.kind == DatabaseFailure::Kind::Locked && !waitedInVain) {
         // A caller who goes on after this would wait anew for every row.
         waitedInVain = true;
@@ -252,14 +269,8 @@ bool Connection::Fail(DatabaseFailure::Kind kind, std::string_view description) 
 }
 
 void Connection::FailOutOfMemory() noexcept {
-    failure.kind = DatabaseFailure::Kind::OutOfMemory;
-    failure.description.clear();
-    failure.source.clear();
-    try {
-        failure = MakeFailure(DatabaseFailure::Kind::OutOfMemory, "Memory ran out.");
-    } catch (const std::bad_alloc&) {
-        failure.description.clear();  // The kind alone has to do.
-    }
+    failure = {DatabaseFailure::Kind::OutOfMemory, {}, {}};  // Words would need memory.
+    transactionLost = transactionDepth > 0;
 }
 
 void Connection::Succeeded(const Statement& statement) {

@@ -69,6 +69,13 @@ class ResetAtEnd {
 
 enum class Step { Row, Done, Failed };
 
+/// Throws `std::bad_alloc` if that is what SQLite's `status` says.
+inline void CheckMemory(int status) {
+    if (status == SQLITE_NOMEM || status == SQLITE_IOERR_NOMEM) {
+        throw std::bad_alloc();
+    }
+}
+
 class Connection {
   public:
     /// At most this many statements are kept prepared while nobody uses them.
@@ -110,25 +117,30 @@ class Connection {
     void Changed() { ++generation; }
 
     bool BeginTrans();
+    /// A failure leaves the level open.
     bool CommitTrans();
-    bool Rollback();
-    /// False, with a failure, after SQLite itself undid the open transaction: what follows in it
-    /// must not be written alone.
+    /// Leaves the innermost level in any case. Where there is no memory to undo the outermost one,
+    /// that is made up for in front of the next statement.
+    bool Rollback() noexcept;
+    /// False, with a failure, in a transaction that is lost: SQLite undid it by itself, or
+    /// something in it failed that has nothing to do with what was asked for, such as the disk.
+    /// What follows must not be written alone.
     bool MayWrite();
 
-    /// Records the failure of SQLite's `status` while `work` was done. Always false.
+    /// Records the failure of SQLite's `status` while `work` was done. Always false; throws
+    /// `std::bad_alloc` if the failure is that memory ran out.
     bool Fail(int status, const char* work);
     bool Fail(DatabaseFailure::Kind kind, std::string_view description);
     const DatabaseFailure& LastFailure() const { return failure; }
 
-    /// Runs `operation`; when memory runs out, records it and gives the result type's empty value.
+    /// Runs `operation`; when memory runs out in it, records that and passes the exception on.
     template <typename Operation>
     auto Guard(Operation&& operation) -> decltype(operation()) {
         try {
             return operation();
         } catch (const std::bad_alloc&) {
             FailOutOfMemory();
-            return {};
+            throw;
         }
     }
 
@@ -140,7 +152,7 @@ class Connection {
     int PrepareEntry(std::string_view sql, Statement& statement);
     void FailOutOfMemory() noexcept;
     void Succeeded(const Statement& statement);
-    void LeaveLost();
+    bool UndoAll() noexcept;
 
     sqlite3* database;
     std::string fileName;
@@ -149,6 +161,7 @@ class Connection {
     std::uint64_t generation = 0;
     std::size_t transactionDepth = 0;
     bool transactionLost = false;
+    bool undoPending = false;  ///< left, but not undone
     bool waitedInVain = false;  ///< the file was locked to the end of the wait: do not wait again
     bool writeWaitedInVain = false;  ///< ... for writing
     bool utf8 = false;

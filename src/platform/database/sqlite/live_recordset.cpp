@@ -40,8 +40,9 @@ void LiveRecordset::Ask(std::size_t field) {
     if (slots[field] != NotAsked) {
         return;
     }
-    asked.push_back(field);
+    asked.reserve(asked.size() + 1);  // all of it or, without memory, nothing
     kinds.push_back(shape->fields[field].kind);
+    asked.push_back(field);
     slots[field] = asked.size() - 1;
     if (handedOut) {
         retired.push_back(std::move(block));

@@ -120,8 +120,8 @@ class Opener {
         if (status != SQLITE_OK) {
             const std::string message = sqlite3_errstr(status);
             sqlite3_close_v2(database);
-            return Fail(status == SQLITE_NOMEM ? Kind::OutOfMemory : Kind::Other,
-                        "cannot be opened: " + message + ".");
+            CheckMemory(status);
+            return Fail(Kind::Other, "cannot be opened: " + message + ".");
         }
         connection = std::make_shared<Connection>(database, name);
         return true;
@@ -148,9 +148,11 @@ class Opener {
                 "it is the right file.");
         }
         for (const char* column : {"ID", "Source"}) {
-            if (sqlite3_table_column_metadata(connection->Handle(), "main", "Pairs", column,
-                                              nullptr, nullptr, nullptr, nullptr,
-                                              nullptr) != SQLITE_OK) {
+            const int status =
+                sqlite3_table_column_metadata(connection->Handle(), "main", "Pairs", column,
+                                              nullptr, nullptr, nullptr, nullptr, nullptr);
+            CheckMemory(status);
+            if (status != SQLITE_OK) {
                 return Fail(Kind::NotAProject,
                             "has a table \"Pairs\" without the column \"" + std::string(column) +
                                 "\", so it is no project. Check that it is the right file.");

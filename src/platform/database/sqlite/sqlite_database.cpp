@@ -219,11 +219,9 @@ bool SqliteDatabase::CommitTrans() {
     return connection->Guard([&] { return connection->CommitTrans(); });
 }
 
-bool SqliteDatabase::Rollback() {
-    return connection->Guard([&] {
-        plans.clear();  // The structure of a table may be the earlier one again.
-        return connection->Rollback();
-    });
+bool SqliteDatabase::Rollback() noexcept {
+    plans.clear();  // The structure of a table may be the earlier one again.
+    return connection->Rollback();
 }
 
 bool SqliteDatabase::CreateTable(const TableDefinition& table) {

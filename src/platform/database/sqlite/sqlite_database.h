@@ -24,7 +24,7 @@ class SqliteDatabase final : public Database {
     bool Execute(std::u16string_view query) override;
     bool BeginTrans() override;
     bool CommitTrans() override;
-    bool Rollback() override;
+    bool Rollback() noexcept override;
     bool CreateTable(const TableDefinition& table) override;
     std::vector<std::u16string> TableNames() override;
     std::vector<std::u16string> ColumnNames(std::u16string_view table) override;

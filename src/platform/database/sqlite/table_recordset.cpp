@@ -14,9 +14,10 @@ namespace {
 constexpr char ReadWork[] = "Reading a row";
 constexpr char SeekWork[] = "Seeking a row";
 
+/// A text that is not null.
 std::string ColumnText(const Statement& statement, int column) {
     const unsigned char* text = sqlite3_column_text(statement.Get(), column);
-    return text != nullptr ? reinterpret_cast<const char*>(text) : "";
+    return text != nullptr ? reinterpret_cast<const char*>(text) : throw std::bad_alloc();
 }
 
 }  // namespace

@@ -49,8 +49,8 @@ char16_t Lower(char16_t unit) {
 }  // namespace
 
 void BindName(const Statement& statement, int parameter, std::string_view name) {
-    sqlite3_bind_text64(statement.Get(), parameter, name.data(), name.size(), SQLITE_STATIC,
-                        SQLITE_UTF8);
+    CheckMemory(sqlite3_bind_text64(statement.Get(), parameter, name.data(), name.size(),
+                                    SQLITE_STATIC, SQLITE_UTF8));
 }
 
 std::vector<Field> FieldsOf(const Statement& select) {
