@@ -1,0 +1,231 @@
+// Memory runs out at the n-th request, for every n: each public method answers E_OUTOFMEMORY or
+// the failure that it documents, loses nothing, and works on.
+
+#include <generalutilities/automation/pointers.h>
+#include <generalutilities/automation/project_database.h>
+#include <generalutilities/extview/export_options.h>
+#include <generalutilities/interfaces/class_ids.h>
+#include <generalutilities/interfaces/ext_view_helper.h>
+#include <generalutilities/interfaces/string_utils.h>
+
+#include "allocations.h"
+#include "described_call.h"
+#include "frame/interface_descriptions.h"
+#include "platform/files/utf8.h"
+#include "project.h"
+#include "rounds.h"
+
+#include <algorithm>
+#include <functional>
+
+namespace generalutilities::fire {
+namespace {
+
+using Call = std::function<HRESULT()>;
+
+/// Set up before SQLite is first used.
+class Allocator : public ::testing::Environment {
+    void SetUp() override {
+        InstallFailingAllocator();
+        InstallFaultyVfs();  // for its speed: it does not wait for the disk
+    }
+};
+[[maybe_unused]] const auto* const environment = ::testing::AddGlobalTestEnvironment(new Allocator);
+
+/// What surrounds each call of `FailEach`.
+struct Around {
+    std::function<void()> prepare = [] {};
+    std::function<void(HRESULT)> check = [](HRESULT) {};
+};
+
+/// Runs `call` with the n-th allocation failing, once and from then on, for every n until it meets
+/// none (the short rounds leave out more and more of them). Each time it answers as usual,
+/// E_OUTOFMEMORY or `documented`, and as usual right afterwards.
+void FailEach(const std::string& name, const Call& call, HRESULT documented = E_OUTOFMEMORY,
+              const Around& around = {}) {
+    around.prepare();
+    const HRESULT usual = call();
+    for (const bool fromThenOn : {false, true}) {
+        long points = 0;
+        long quiet = 0;
+        bool met = true;
+        for (long at = 1; met; at += LongRounds() ? 1 : 1 + at / 16) {
+            const std::string where = name + (fromThenOn ? " from " : " at ") + std::to_string(at);
+            around.prepare();
+            FailAllocation(at, fromThenOn);
+            const HRESULT status = call();
+            met = AllowAllocations();
+            points += met ? 1 : 0;
+            quiet += met && status == usual ? 1 : 0;
+            ASSERT_TRUE(status == usual ||
+                        (met && (status == E_OUTOFMEMORY || status == documented)))
+                << where << ": " << std::hex << status;
+            around.check(status);
+            ASSERT_EQ(call(), usual) << where << ", and then again";
+            ASSERT_FALSE(::testing::Test::HasFailure()) << where;
+        }
+        if (points > 0) {
+            std::printf("%s%s: %ld points, %ld of them without a failure\n", name.c_str(),
+                        fromThenOn ? ", from then on" : "", points, quiet);
+        }
+    }
+    SetErrorInfo(0, nullptr);
+}
+
+/// The same for a call that leaves nothing behind.
+void FailEachInBalance(const std::string& name, const Call& call,
+                       HRESULT documented = E_OUTOFMEMORY) {
+    call();
+    SetErrorInfo(0, nullptr);
+    const long blocks = LiveBlocks();
+    FailEach(name, call, documented);
+    EXPECT_EQ(LiveBlocks(), blocks) << name;
+}
+
+template <class Interface>
+void FailEachMethod(const InterfaceDescription& interface, Interface* object, const Bstr& text) {
+    for (const Method& method : interface.methods) {
+        for (const std::int32_t number : {1, 1036, 1252}) {  // a position, a language, a code page
+            FailEachInBalance(
+                files::ToUtf8Lossy(method.name) + " with " + std::to_string(number),
+                [&] { return CallDescribed(method, object, text.Get(), number); },
+                S_FALSE);  // folding may give a part
+            ASSERT_FALSE(::testing::Test::HasFailure());
+        }
+    }
+}
+
+/// The ways to an object and what every object can.
+void FailObject(const CLSID& clsid, REFIID iid, char16_t* method) {
+    ComPtr<IDispatch> object;
+    ASSERT_EQ(CoCreateInstance(clsid, nullptr, 1, iid, object.OutVoid()), S_OK);
+    FailEachInBalance("CoCreateInstance", [&] {
+        ComPtr<IUnknown> another;
+        return CoCreateInstance(clsid, nullptr, CLSCTX_INPROC_SERVER, iid, another.OutVoid());
+    });
+    FailEachInBalance(
+        "GetTypeInfo",
+        [&] {
+            ComPtr<ITypeInfo> information;
+            return object->GetTypeInfo(0, 0, information.Out());
+        },
+        TYPE_E_CANTLOADLIBRARY);
+    DISPID id = 0;
+    FailEachInBalance("GetIDsOfNames",
+                      [&] { return object->GetIDsOfNames(GUID_NULL, &method, 1, 0, &id); });
+    const Bstr text(u"/nowhere/at/all");
+    FailEachInBalance("Invoke", [&] {
+        VARIANT argument{}, result{};
+        argument.vt = VT_BSTR;
+        argument.bstrVal = text.Get();
+        DISPPARAMS parameters{&argument, nullptr, 1, 0};
+        EXCEPINFO exception{};
+        const HRESULT status = object->Invoke(id, GUID_NULL, 0, DISPATCH_METHOD, &parameters,
+                                              &result, &exception, nullptr);
+        VariantClear(&result);
+        for (const BSTR words :
+             {exception.bstrSource, exception.bstrDescription, exception.bstrHelpFile}) {
+            SysFreeString(words);
+        }
+        return status == DISP_E_EXCEPTION ? exception.scode : status;
+    });
+}
+
+TEST(Allocations, StringUtils) {
+    char16_t method[] = u"DeAccentString";
+    FailObject(CLSID_StringUtils, IID_IStringUtils, method);
+    ComPtr<IStringUtils> utils;
+    ASSERT_EQ(CoCreateInstance(CLSID_StringUtils, nullptr, CLSCTX_INPROC_SERVER, IID_IStringUtils,
+                               utils.OutVoid()),
+              S_OK);
+    FailEachMethod(DescribeStringUtils(), utils.Get(),
+                   Bstr(u"\u00C9l\u00E8ve {12} stra\u00DFe\uFDFA \u4E2D\u6587, 3.5 %"));
+}
+
+class HelperUnderFire : public ::testing::Test {
+  protected:
+    HelperUnderFire() : project(LongRounds() ? 40 : 4, 20), path(project.Path()) {
+        EXPECT_EQ(CoCreateInstance(CLSID_ExtViewHelper, nullptr, CLSCTX_INPROC_SERVER,
+                                   IID_IExtViewHelper, helper.OutVoid()),
+                  S_OK);
+        Open();
+    }
+    void Open() {
+        opened = {};
+        project.Restore();
+        ASSERT_EQ(OpenProjectDatabase(path.c_str(), opened.Out()), S_OK);
+    }
+
+    Project project;
+    const std::u16string path;
+    ComPtr<IExtViewHelper> helper;
+    ComPtr<IUnknown> opened;
+};
+
+TEST_F(HelperUnderFire, SmallMethods) {
+    char16_t method[] = u"IsFileRTF";
+    FailObject(CLSID_ExtViewHelper, IID_IExtViewHelper, method);
+    const Bstr file(project.Reviewed());
+    FailEachMethod(DescribeExtViewHelper(), helper.Get(), file);
+    const auto container = helper.As<IConnectionPointContainer>(IID_IConnectionPointContainer);
+    ComPtr<IConnectionPoint> point;
+    ASSERT_EQ(container->FindConnectionPoint(DIID__IExtViewHelperEvents, point.Out()), S_OK);
+    FailEachInBalance("EnumConnectionPoints", [&] {
+        ComPtr<IEnumConnectionPoints> points, clone;
+        const HRESULT status = container->EnumConnectionPoints(points.Out());
+        return Failed(status) ? status : points->Clone(clone.Out());
+    });
+    FailEachInBalance("Advise, EnumConnections and Unadvise", [&] {
+        std::uint32_t cookie = 0;
+        HRESULT status = point->Advise(helper.Get(), &cookie);  // any dispatch object will do
+        if (Failed(status)) {
+            return status;
+        }
+        ComPtr<IEnumConnections> connections;
+        status = point->EnumConnections(connections.Out());
+        return std::min(status, point->Unadvise(cookie));
+    });
+    FailEachInBalance("OpenProjectDatabase", [&] {
+        ComPtr<IUnknown> another;
+        return OpenProjectDatabase(path.c_str(), another.Out());
+    });
+}
+
+TEST_F(HelperUnderFire, Import) {
+    const Contents before = project.Look();
+    const Bstr file(project.Reviewed());
+    FailEach("ImportExternalView",
+             [&] { return helper->ImportExternalView(opened.Get(), file.Get(), 1036, 0, 0); },
+             static_cast<HRESULT>(everrUnableToOpenFile),
+             {[&] { Open(); },
+              [&](HRESULT status) {
+                  const Contents now = project.Look();
+                  EXPECT_EQ(now.pairs, before.pairs);
+                  EXPECT_EQ(now.damage, before.damage);
+                  EXPECT_EQ(now.reimporting == before.reimporting, status != S_OK)
+                      << now.reimporting;
+              }});
+}
+
+TEST_F(HelperUnderFire, Export) {
+    TemporaryFolder folder;
+    const Bstr file(folder.Path(u"out.rtf"));
+    for (const std::int32_t options : {0, static_cast<std::int32_t>(UniquePairsOnly)}) {
+        const auto run = [&] {
+            return helper->ExportExternalView(opened.Get(), file.Get(), 0, 1036,
+                                              ShowIdColumn | ShowStatusColumn | options, nullptr, 1,
+                                              2, 3, 4, 5, 6, 7, 8, 9);
+        };
+        ASSERT_EQ(run(), S_OK);
+        const std::string whole = ReadFile(file.Text());
+        FailEach(options == 0 ? "ExportExternalView" : "ExportExternalView of unique pairs", run,
+                 static_cast<HRESULT>(everrUnableToOpenFile),
+                 {[] {},
+                  [&](HRESULT status) {
+                      EXPECT_TRUE(status != S_OK || ReadFile(file.Text()) == whole);
+                  }});
+    }
+}
+
+}  // namespace
+}  // namespace generalutilities::fire

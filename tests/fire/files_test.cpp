@@ -1,0 +1,214 @@
+// Files that nobody would write: cut anywhere, with any byte changed, and with more of everything
+// than a file has. An import answers with success or with "not enough fields", and costs no more
+// than the file is long: the long rounds print how the time grows when the input doubles.
+
+#include "extview/rtf/rtf_import.h"
+#include "project.h"
+#include "rounds.h"
+#include "rtf/memory_file.h"
+
+#include <array>
+#include <ctime>
+#include <functional>
+#include <limits>
+
+namespace generalutilities::fire {
+namespace {
+
+/// Reads a file that is in memory.
+class ImportFromMemory : public CRTFImport {
+  public:
+    std::string content;
+    bool OpenFile() override {
+        CRTFImport::OpenFile();
+        return Open(testing::FileOf(content));
+    }
+};
+
+using Cells = std::vector<std::u16string>;
+
+/// The first two texts of all rows, one behind the other; "no header" if the file is refused.
+Cells Rows(const std::string& file) {
+    ImportFromMemory import;
+    import.content = file;
+    if (!import.OpenFile() || !import.ReadHeader()) {
+        return {u"no header"};
+    }
+    Cells cells;
+    std::u16string id, source, target, comments;
+    std::int32_t status = 0;
+    while (import.NextRow(id, source, target, comments, status)) {
+        cells.push_back(id);
+        cells.push_back(source);
+    }
+    import.CloseFile();
+    return cells;
+}
+
+const std::string Table =
+    testing::Head +
+    "\\pard ID\\cell Source\\cell Target\\cell\\row {\\trowd\\pard\\intbl 1}\\cell {\\f1 on\\'e9"
+    "\\u8364 ?}\\cell\\pard {\\uc0\\u20013 two\\par}\\cell note\\cell 512\\cell\\row 2\\cell{\\b a}"
+    "\\cell\\cell\\row}";
+
+TEST(FilesUnderFire, CutAnywhereOrWithAnyByteChanged) {
+    InstallFaultyVfs();
+    const Project project(3, 5);
+    DatabaseFailure failure;
+    const auto database = OpenDatabase(project.Path(), OpenMode::ReadWrite, failure);
+    ASSERT_TRUE(database);
+    ImportFromMemory import;
+    long imported = 0;
+    long refused = 0;
+    const auto run = [&](const std::string& where) {
+        const HRESULT status = import.RunImport(*database, u"in memory", 1036);
+        (status == S_OK ? imported : refused) += 1;
+        ASSERT_TRUE(status == S_OK || status == static_cast<HRESULT>(everrNotEnoughFieldsPresent))
+            << where << ": " << status;
+    };
+    for (std::size_t length = 0; length <= Table.size(); ++length) {
+        import.content = Table.substr(0, length);
+        run("cut at " + std::to_string(length));
+    }
+    for (std::size_t place = 0; place < Table.size(); ++place) {
+        const std::array<char, 4> some = {'{', '}', '\\', '\xFF'};
+        const int values = LongRounds() ? 256 : static_cast<int>(some.size());
+        for (int i = 0; i < values; ++i) {
+            const char value =
+                LongRounds() ? static_cast<char>(i) : some[static_cast<std::size_t>(i)];
+            import.content = Table;
+            import.content[place] = value;
+            run("byte " + std::to_string(place) + " as " + std::to_string(value));
+            ASSERT_FALSE(HasFatalFailure());
+        }
+    }
+    std::printf("%ld files: %ld imported, %ld refused\n", imported + refused, imported, refused);
+    import.content = Table;
+    EXPECT_EQ(import.RunImport(*database, u"in memory", 1036), S_OK);
+    EXPECT_EQ(Rows(Table), (Cells{u"1", u"on\u00E9\u20AC", u"2", u"a"}));
+}
+
+std::string Repeat(std::string_view piece, std::size_t count) {
+    std::string all;
+    all.reserve(piece.size() * count);
+    while (count-- > 0) {
+        all += piece;
+    }
+    return all;
+}
+
+/// A table of one row, with something in front of it, in its source cell, or in the font table.
+std::string FileWith(const std::string& inFront, const std::string& inCell,
+                     const std::string& fonts = {}) {
+    std::string file = testing::Head;
+    file.insert(file.find("{\\f0"), fonts);
+    return file + inFront + "\\pard ID\\cell Source\\cell\\row 7\\cell " + inCell + "\\cell\\row}";
+}
+
+struct Monster {
+    const char* what;
+    std::size_t size;      ///< in every run of the tests
+    std::size_t longSize;  ///< in the long rounds
+    std::function<std::string(std::size_t)> make;
+    std::function<Cells(std::size_t)> rows;
+};
+
+const Cells Plain = {u"7", u"ab"};
+const auto AlwaysPlain = [](std::size_t) { return Plain; };
+
+const Monster Monsters[] = {
+    {"open groups", 10'000, 1'000'000, [](std::size_t n) { return FileWith(Repeat("{", n), "ab"); },
+     AlwaysPlain},
+    {"groups that are closed again", 10'000, 1'000'000,
+     [](std::size_t n) { return FileWith("", "a" + Repeat("{\\b", n) + Repeat("}", n) + "b"); },
+     AlwaysPlain},
+    {"closing braces without a group", 10'000, 1'000'000,
+     [](std::size_t n) { return FileWith("", "a" + Repeat("}", n) + "b"); }, AlwaysPlain},
+    {"letters of a control word", 1'000'000, 20'000'000,
+     [](std::size_t n) { return FileWith("", "a\\" + Repeat("w", n) + " b"); }, AlwaysPlain},
+    {"digits of a number", 1'000'000, 20'000'000,
+     [](std::size_t n) { return FileWith("", "a\\li" + Repeat("9", n) + " b"); }, AlwaysPlain},
+    {"fonts", 100'000, 1'000'000,
+     [](std::size_t n) {
+         std::string fonts;
+         for (std::size_t i = 0; i < n; ++i) {
+             fonts += "{\\f" + std::to_string(i + 100) + "\\fcharset204 F;}";
+         }
+         return FileWith("", "a\\f100 b", fonts);
+     },
+     AlwaysPlain},
+    {"letters in a cell", 2'000'000, 200'000'000,
+     [](std::size_t n) { return FileWith("", Repeat("x", n)); },
+     [](std::size_t n) {
+         return Cells{u"7", std::u16string(n, u'x')};
+     }},
+    {"escapes in a cell", 200'000, 5'000'000,
+     [](std::size_t n) { return FileWith("", Repeat("\\u8364 ?", n)); },
+     [](std::size_t n) {
+         return Cells{u"7", std::u16string(n, u'\u20AC')};
+     }},
+    {"cells in a row", 50'000, 2'000'000,
+     [](std::size_t n) { return FileWith("", "ab" + Repeat("\\cell x", n)); }, AlwaysPlain},
+    {"rows", 20'000, 1'000'000,
+     [](std::size_t n) { return FileWith("", "ab" + Repeat("\\cell\\row 7\\cell ab", n)); },
+     [](std::size_t n) {
+         Cells cells;
+         for (std::size_t i = 0; i <= n; ++i) {
+             cells.insert(cells.end(), Plain.begin(), Plain.end());
+         }
+         return cells;
+     }},
+};
+
+double Seconds() {
+    timespec now{};
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
+    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
+}
+
+TEST(FilesUnderFire, MoreOfEverythingThanAFileHas) {
+    for (const Monster& monster : Monsters) {
+        const std::size_t size = LongRounds() ? monster.longSize : monster.size;
+        double before = 0;
+        for (const std::size_t n : {size / 2, size}) {
+            const std::string file = monster.make(n);
+            const Cells expected = monster.rows(n);
+            double cost = std::numeric_limits<double>::max();
+            for (int run = 0; run < (LongRounds() ? 3 : 1); ++run) {
+                const double start = Seconds();
+                const Cells rows = Rows(file);
+                cost = std::min(cost, Seconds() - start);
+                EXPECT_TRUE(rows == expected) << monster.what << " " << n;
+            }
+            if (n == size && LongRounds()) {
+                std::printf("%zu %s: %.3f s, %.2f times the half\n", n, monster.what, cost,
+                            cost / before);
+            }
+            before = cost;
+        }
+    }
+}
+
+TEST(FilesUnderFire, NumbersBeyond32Bits) {
+    for (const char* number :
+         {"2147483648", "4294967296", "4294967297", "-2147483649", "9223372036854775808",
+          "18446744073709551617", "-99999999999999999999999999"}) {
+        for (const char* word : {"\\li", "\\f", "\\fs", "\\cs", "\\cellx", "\\trleft", "\\bin"}) {
+            const std::string use = std::string("a") + word + number + " b";
+            EXPECT_EQ(Rows(FileWith("", use)), Plain) << use;
+        }
+        for (const char* word : {"\\u", "\\uc", "\\uc1\\u"}) {
+            const std::string use = std::string("a") + word + number + " ?b";
+            const Cells rows = Rows(FileWith("", use));
+            ASSERT_EQ(rows.size(), 2u) << use;
+            EXPECT_LE(rows[1].size(), 4u) << use;
+        }
+        const std::string font = std::string("{\\f") + number + "\\fcharset" + number + " X;}";
+        EXPECT_EQ(Rows(FileWith("", "ab", font)), Plain) << font;
+        const std::string status = "ab\\cell\\cell\\cell " + std::string(number);
+        EXPECT_EQ(Rows(FileWith("", status)), Plain) << status;
+    }
+}
+
+}  // namespace
+}  // namespace generalutilities::fire

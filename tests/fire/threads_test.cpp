@@ -1,0 +1,138 @@
+// Eight threads with objects of their own give the answers that one thread gives. Under the thread
+// sanitizer this is also the proof that they share nothing without a lock.
+
+#include <generalutilities/automation/pointers.h>
+#include <generalutilities/extview/export_options.h>
+#include <generalutilities/interfaces/class_ids.h>
+#include <generalutilities/interfaces/ext_view_helper.h>
+#include <generalutilities/interfaces/string_utils.h>
+
+#include "described_call.h"
+#include "project.h"
+#include "rounds.h"
+
+#include <thread>
+#include <vector>
+
+namespace generalutilities::fire {
+namespace {
+
+/// What an object answered, in the order of the questions.
+struct Answers {
+    std::u16string all;
+
+    void Add(HRESULT status) {
+        const std::string number = std::to_string(status);
+        all.append(number.begin(), number.end()).append(u"\n");
+    }
+    /// By reference: the text is looked at when the call that gives it has been made.
+    void Add(HRESULT status, const Bstr& text) {
+        all.append(text.View());
+        Add(status);
+    }
+    void Add(std::string_view bytes) { all.append(bytes.begin(), bytes.end()); }
+};
+
+void AskStringUtils(Answers& answers) {
+    ComPtr<IStringUtils> utils;
+    answers.Add(CoCreateInstance(CLSID_StringUtils, nullptr, CLSCTX_INPROC_SERVER, IID_IStringUtils,
+                                 utils.OutVoid()));
+    if (!utils) {
+        return;
+    }
+    for (const char16_t* words : {u"\u00C9l\u00E8ve {12} stra\u00DFe", u"R&D 3.5 %\uFDFA",
+                                  u"\u4E2D\u6587 text", u"\u0623\u062D\u0645\u062F, 1 234"}) {
+        const Bstr text(words);
+        for (const Method& method : DescribeStringUtils().methods) {
+            for (const std::int32_t number : {1, 4, 1036, 1041, 1055, 1252}) {
+                if (method.name != std::u16string_view(u"GenerateString")) {  // draws lots
+                    answers.Add(
+                        CallDescribed(method, utils.Get(), text.Get(), number, &answers.all));
+                }
+            }
+        }
+    }
+    // Late binding, and the type information behind it, which all objects share.
+    char16_t name[] = u"ToUpper";
+    char16_t* names[] = {name};
+    DISPID member = 0;
+    answers.Add(utils->GetIDsOfNames(GUID_NULL, names, 1, 0, &member));
+    const Bstr text(u"late");
+    VARIANT argument{}, result{};
+    argument.vt = VT_BSTR;
+    argument.bstrVal = text.Get();
+    DISPPARAMS parameters{&argument, nullptr, 1, 0};
+    answers.Add(utils->Invoke(member, GUID_NULL, 0, DISPATCH_METHOD, &parameters, &result, nullptr,
+                              nullptr));
+    answers.Add(S_OK, Bstr(std::u16string_view(result.bstrVal, SysStringLen(result.bstrVal))));
+    VariantClear(&result);
+    ComPtr<ITypeInfo> information;
+    answers.Add(utils->GetTypeInfo(0, 0, information.Out()));
+
+    const std::int32_t handle = HandleFromPointer(&answers);
+    answers.Add(PointerFromHandle(handle) == &answers ? S_OK : E_FAIL);
+    ReleaseHandle(handle);
+}
+
+void AskExtViewHelper(Answers& answers, const Project& project, const std::u16string& file) {
+    ComPtr<IExtViewHelper> helper;
+    answers.Add(CoCreateInstance(CLSID_ExtViewHelper, nullptr, CLSCTX_INPROC_SERVER,
+                                 IID_IExtViewHelper, helper.OutVoid()));
+    ComPtr<IUnknown> opened;
+    answers.Add(OpenProjectDatabase(project.Path().c_str(), opened.Out()));
+    if (!helper || !opened) {
+        return;
+    }
+    const Bstr path(file), reviewed(project.Reviewed()), nowhere(u"/nowhere/at/all");
+    for (const std::int32_t options :
+         {std::int32_t{ShowIdColumn}, std::int32_t{ShowIdColumn | UniquePairsOnly}}) {
+        answers.Add(helper->ExportExternalView(opened.Get(), path.Get(), 0, 1036, options, nullptr,
+                                               1, 2, 3, 4, 5, 6, 7, 8, 9));
+        answers.Add(ReadFile(file));
+        for (const Bstr* from : {&path, &reviewed}) {
+            answers.Add(
+                helper->ImportExternalView(opened.Get(), from->Get(), 1036, 0, VARIANT_FALSE));
+            answers.Add(project.Look().reimporting);
+        }
+    }
+    // A failure leaves its words for the thread alone in which it happened.
+    answers.Add(helper->ImportExternalView(opened.Get(), nowhere.Get(), 1036, 0, VARIANT_FALSE));
+    ComPtr<IErrorInfo> error;
+    Bstr words;
+    answers.Add(GetErrorInfo(0, error.Out()));
+    answers.Add(error ? error->GetDescription(words.Out()) : E_FAIL, words);
+}
+
+TEST(Threads, EightGiveTheAnswersOfOne) {
+    constexpr std::size_t Count = 8;
+    InstallFaultyVfs();
+    const TemporaryFolder folder;
+    const int rounds = LongRounds() ? 100 : 3;
+    const auto ask = [&](Answers& answers, const Project& project, std::size_t number) {
+        const std::u16string name = {static_cast<char16_t>(u'0' + number)};
+        for (int round = 0; round < rounds; ++round) {
+            AskStringUtils(answers);
+            AskExtViewHelper(answers, project, folder.Path(name));
+        }
+    };
+    std::vector<std::unique_ptr<Project>> projects;
+    for (std::size_t i = 0; i <= Count; ++i) {
+        projects.push_back(std::make_unique<Project>(20, 50));
+    }
+    std::vector<Answers> answers(Count + 1);
+    std::vector<std::thread> threads;
+    for (std::size_t i = 0; i < Count; ++i) {
+        threads.emplace_back([&, i] { ask(answers[i], *projects[i], i); });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    ask(answers[Count], *projects[Count], Count);
+    EXPECT_GT(answers[Count].all.size(), 1000u);
+    for (std::size_t i = 0; i < Count; ++i) {
+        EXPECT_TRUE(answers[i].all == answers[Count].all) << "thread " << i;
+    }
+}
+
+}  // namespace
+}  // namespace generalutilities::fire
