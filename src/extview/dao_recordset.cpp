@@ -28,6 +28,10 @@ bool DaoRecordset::IsEmpty() {
     return !recordset || (recordset->Eof() && recordset->Bof());
 }
 
+bool DaoRecordset::MoveFirst() {
+    return recordset && recordset->MoveFirst();
+}
+
 bool DaoRecordset::MoveNext() {
     return recordset && !recordset->Eof() && recordset->MoveNext() && !recordset->Eof();
 }

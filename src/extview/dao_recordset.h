@@ -25,6 +25,8 @@ class DaoRecordset {
 
     /// True when closed, or when there is neither a first nor a last row.
     bool IsEmpty();
+    /// To the first row; false when closed or empty.
+    bool MoveFirst();
     /// To the next row; false when closed, at the end, or when the end is reached by this move.
     bool MoveNext();
     /// The number of rows; leaves the first row current. 0 when closed or empty.

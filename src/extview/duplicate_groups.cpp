@@ -2,125 +2,132 @@
 
 #include <generalutilities/extview/source_key.h>
 
-#include "extview/dao_recordset.h"
 #include "extview/transaction.h"
 
 #include <algorithm>
-#include <functional>
+#include <tuple>
 
 namespace generalutilities {
 
 namespace {
 
-using Hash = std::hash<std::u16string_view>;
-
-// Sorts the hashes and gives those that stand there twice or more. Two texts with one hash cost a
-// needless look at a group or the slower way, never a wrong mark.
-std::unordered_set<std::size_t> Repeated(std::vector<std::size_t>& hashes) {
-    std::unordered_set<std::size_t> repeated;
-    std::sort(hashes.begin(), hashes.end());
-    for (std::size_t i = 1; i < hashes.size(); ++i) {
-        if (hashes[i] == hashes[i - 1]) {
-            repeated.insert(hashes[i]);
-        }
-    }
-    return repeated;
-}
-
-// Both forms of a row as one text, the same for equal pairs alone: the length of the first says
-// where it ends.
-std::u16string PairForm(DuplicateRows& rows) {
-    std::u16string form = rows.SourceForm();
-    const std::size_t length = form.size();
-    form += rows.TargetForm();
-    form.push_back(static_cast<char16_t>(length & 0xFFFF));
-    form.push_back(static_cast<char16_t>(length >> 16));
-    return form;
-}
+constexpr std::uint32_t NotVisited = 0;
+constexpr std::uint32_t NoneKept = UINT32_MAX;  // or 1 and the place of the member in its class
 
 }  // namespace
 
-bool DuplicateGroups::Prepare() {
-    DaoRecordset rows;
-    if (!rows.Open(database, search.queries.keyQuery, true)) {
+DuplicateGroups::DuplicateGroups(Database& project, const DuplicateSearch& duplicateSearch)
+    : database(project), search(duplicateSearch), rows(search.sourceLangId, search.targetLangId) {}
+
+bool DuplicateGroups::Decide(DuplicateRows& outer, const std::function<void()>& countRow) {
+    if (!rows.Open(database, search.queries.rowsQuery) ||
+        !Read(static_cast<std::size_t>(outer.Count()), countRow)) {
         return false;
     }
+    std::sort(members.begin(), members.end(), [](const Member& left, const Member& right) {
+        return std::tie(left.texts, left.row) < std::tie(right.texts, right.row);
+    });
+    if (!keysBelong) {
+        FollowVisits(outer);
+        return true;
+    }
+    for (std::size_t i = 1; i < members.size(); ++i) {
+        if (members[i].texts == members[i - 1].texts) {
+            MarkRow(members[i]);
+        }
+    }
+    return true;
+}
+
+bool DuplicateGroups::Read(std::size_t count, const std::function<void()>& countRow) {
     if (rows.IsEmpty()) {
         return true;
     }
-    constexpr int Id = 1;
-    constexpr int Key = 2;
-    rows.BindField(Id, u"ID");
-    rows.BindField(Key, u"Source2Index");
-    std::vector<std::size_t> ids;
-    std::vector<std::size_t> keys;
+    std::vector<std::uint64_t> ids;
+    ids.reserve(count);
+    members.reserve(count);
+    std::uint32_t row = 0;
     do {
-        ids.push_back(Hash()(rows.GetString(Id).value_or(std::u16string_view())));
-        if (const auto key = rows.GetString(Key)) {
-            keys.push_back(Hash()(*key));
+        const std::uint64_t id = digest.Of({rows.Id()}).first;
+        ids.push_back(id);
+        const auto storedKey = rows.StoredKey();
+        keysBelong = keysBelong && storedKey &&
+                     *storedKey == MakeSourceKey(rows.Source(), search.sourceLangId);
+        if (storedKey) {  // a row without a key is found by no search
+            members.push_back({.texts = DigestOf(*storedKey, rows), .id = id, .row = row});
         }
+        ++row;
+        countRow();
     } while (rows.MoveNext());
-    sharedKeys = Repeated(keys);
-    return Repeated(ids).empty();
+    marked.resize(row);
+    std::sort(ids.begin(), ids.end());
+    return std::adjacent_find(ids.begin(), ids.end()) == ids.end();
 }
 
-void DuplicateGroups::MarkEqualRows(DuplicateRows& outer) {
-    const std::u16string id(outer.Id());
-    if (marked.contains(id)) {
-        return;
-    }
-    const std::u16string key = MakeSourceKey(outer.Source(), search.sourceLangId);
-    if (!sharedKeys.contains(Hash()(key))) {
-        return;
-    }
-    Group& group = GroupOf(key);
-    const auto found = group.unmarked.find(PairForm(outer));
-    if (found == group.unmarked.end()) {
-        return;
-    }
-    // The first of the equal rows stays, and the current row does.
-    std::vector<std::u16string>& equal = found->second;
-    std::vector<std::u16string> kept;
-    for (std::u16string& candidate : equal) {
-        if (kept.empty() || candidate == id) {
-            kept.push_back(std::move(candidate));
-        } else {
-            marked.insert(std::move(candidate));
-            group.hasMarks = true;
-        }
-    }
-    equal = std::move(kept);
+TextDigest::Value DuplicateGroups::DigestOf(std::u16string_view key, DuplicateRows& row) const {
+    return digest.Of({key, row.SourceForm(), row.TargetForm()});
 }
 
-DuplicateGroups::Group& DuplicateGroups::GroupOf(const std::u16string& key) {
-    const auto [entry, isNew] = groups.try_emplace(key);
-    Group& group = entry->second;
-    if (isNew) {
-        group.query = search.queries.duplicateQuery + QuoteSql(key) + search.queries.duplicateTail;
-        DuplicateRows rows(search.sourceLangId, search.targetLangId);
-        if (rows.Open(database, group.query) && !rows.IsEmpty()) {
-            do {
-                group.unmarked[PairForm(rows)].emplace_back(rows.Id());
-            } while (rows.MoveNext());
-        }
+/// Goes through the rows in the order in which they look for rows that are equal to them.
+void DuplicateGroups::FollowVisits(DuplicateRows& outer) {
+    std::vector<std::uint32_t> byId(members.size());
+    for (std::size_t i = 0; i < byId.size(); ++i) {
+        byId[i] = static_cast<std::uint32_t>(i);
     }
-    return group;
+    const auto idOf = [this](std::uint32_t member) { return members[member].id; };
+    std::sort(byId.begin(), byId.end(),
+              [&](std::uint32_t left, std::uint32_t right) { return idOf(left) < idOf(right); });
+    do {
+        const std::uint64_t id = digest.Of({outer.Id()}).first;
+        const auto own = std::lower_bound(
+            byId.begin(), byId.end(), id,
+            [&](std::uint32_t member, std::uint64_t wanted) { return idOf(member) < wanted; });
+        const Member* const visitor =
+            own != byId.end() && idOf(*own) == id ? &members[*own] : nullptr;
+        if (visitor != nullptr && marked[visitor->row]) {
+            continue;
+        }
+        const TextDigest::Value texts =
+            DigestOf(MakeSourceKey(outer.Source(), search.sourceLangId), outer);
+        const auto first = std::lower_bound(
+            members.begin(), members.end(), texts,
+            [](const Member& member, const TextDigest::Value& v) { return member.texts < v; });
+        if (first != members.end() && first->texts == texts) {
+            Visit(first, visitor != nullptr && visitor->texts == texts ? visitor : nullptr);
+        }
+    } while (outer.MoveNext());
+}
+
+/// `first` begins the class; `visitor` is the visiting row if it belongs to the class. After the
+/// first visit at most one more row than the class's first is without a mark, which is remembered.
+void DuplicateGroups::Visit(Members::iterator first, const Member* visitor) {
+    const auto placeOf = [&](const Member& member) {
+        return static_cast<std::uint32_t>(&member - &*first);
+    };
+    const bool isOther = visitor != nullptr && placeOf(*visitor) > 0;
+    if (first->kept == NotVisited) {
+        for (auto member = first + 1; member != members.end() && member->texts == first->texts;
+             ++member) {
+            if (&*member != visitor) {
+                MarkRow(*member);
+            }
+        }
+    } else if (first->kept != NoneKept && !(isOther && placeOf(*visitor) + 1 == first->kept)) {
+        MarkRow(*(first + (first->kept - 1)));
+    }
+    first->kept = isOther ? placeOf(*visitor) + 1 : NoneKept;
 }
 
 void DuplicateGroups::WriteMarks() {
-    if (marked.empty()) {
+    if (std::find(marked.begin(), marked.end(), true) == marked.end() || !rows.MoveFirst()) {
         return;
     }
     Transaction transaction(database);
-    for (const auto& [key, group] : groups) {
-        DuplicateRows rows(search.sourceLangId, search.targetLangId);
-        if (group.hasMarks && rows.Open(database, group.query) && !rows.IsEmpty()) {
-            do {
-                if (marked.contains(std::u16string(rows.Id()))) {
-                    rows.MarkDone();
-                }
-            } while (rows.MoveNext());
+    for (const bool isMarked : marked) {
+        if (isMarked) {
+            rows.MarkDone();
         }
+        rows.MoveNext();
     }
     transaction.Commit();
 }

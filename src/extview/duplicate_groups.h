@@ -4,50 +4,58 @@
 
 #include "extview/duplicate_marking.h"
 #include "extview/duplicate_rows.h"
+#include "extview/text_digest.h"
 
 #include <cstddef>
-#include <string>
-#include <unordered_map>
-#include <unordered_set>
+#include <cstdint>
+#include <functional>
 #include <vector>
 
 namespace generalutilities {
 
 /// The duplicate pass at a cost linear in the rows, however many of them share a source key.
 ///
-/// It decides the same as reading the rows of the key anew for each row, and rests on two facts.
-/// A group of at most one row has nothing to mark, so only keys that stand in two rows or more are
-/// ever asked for, each once. And once a row has been visited, at most two of the rows equal to it
-/// are left without a mark, itself and the first of its group, so that the lists of unmarked rows
-/// shrink to nothing as the visits go on. The marks are kept in memory and written at the end,
-/// which needs identifiers that tell the rows apart.
+/// It decides the same as reading the rows of the key anew for each row. Rows with one stored key
+/// and equal texts are a class. A row that is visited marks all of a class but the class's first
+/// row and, if it belongs to the class, itself; the first row is never marked. So as soon as the
+/// members of a class visit it, its first row alone is left without a mark, and where the stored
+/// keys are those that belong to the texts, the members do visit it, all of them. Then one reading
+/// of the rows in the order of the file is enough. Where a stored key is another one, rows may
+/// visit classes that are not theirs, and the visits are followed one by one in their order.
+///
+/// Of a row a digest of its texts and of its identifier are kept, 32 bytes, and no text.
 class DuplicateGroups {
   public:
-    DuplicateGroups(Database& project, const DuplicateSearch& duplicateSearch)
-        : database(project), search(duplicateSearch) {}
+    DuplicateGroups(Database& project, const DuplicateSearch& duplicateSearch);
 
-    /// Reads the keys of the selection. False when the rows cannot be told apart by identifier, or
-    /// not be read: this class is of no use then.
-    bool Prepare();
-    /// Marks the rows that are equal to the current row of `outer`, unless it is marked itself.
-    void MarkEqualRows(DuplicateRows& outer);
+    /// Reads the rows and decides which to mark, with a call of `countRow` for each row. `outer`
+    /// holds the same rows in the order of the visits. False when the rows cannot be told apart by
+    /// identifier, or not be read: this class is of no use then.
+    bool Decide(DuplicateRows& outer, const std::function<void()>& countRow);
     void WriteMarks();
 
   private:
-    struct Group {
-        std::u16string query;
-        /// By `PairForm`: the identifiers without a mark, in the order of the query.
-        std::unordered_map<std::u16string, std::vector<std::u16string>> unmarked;
-        bool hasMarks = false;
+    struct Member {
+        TextDigest::Value texts;  ///< of key and forms: what the members of a class share
+        std::uint64_t id = 0;     ///< a digest too
+        std::uint32_t row = 0;    ///< counted in the order of the file
+        std::uint32_t kept = 0;   ///< in a class's first member; see `Visit`
     };
+    using Members = std::vector<Member>;
 
-    Group& GroupOf(const std::u16string& key);
+    bool Read(std::size_t count, const std::function<void()>& countRow);
+    void FollowVisits(DuplicateRows& outer);
+    void Visit(Members::iterator first, const Member* visitor);
+    void MarkRow(const Member& member) { marked[member.row] = true; }
+    TextDigest::Value DigestOf(std::u16string_view key, DuplicateRows& row) const;
 
     Database& database;
     const DuplicateSearch& search;
-    std::unordered_set<std::size_t> sharedKeys;  ///< hashes of the keys of two rows or more
-    std::unordered_map<std::u16string, Group> groups;
-    std::unordered_set<std::u16string> marked;  ///< identifiers
+    const TextDigest digest;
+    DuplicateRows rows;  ///< in the order of the file
+    Members members;     ///< by class, in each class by row
+    std::vector<bool> marked;
+    bool keysBelong = true;  ///< all stored keys are those of the source texts
 };
 
 }  // namespace generalutilities

@@ -45,6 +45,31 @@ void MarkRowsEqualTo(DuplicateRows& outer, Database& database, const DuplicateSe
     } while (inner.MoveNext());
 }
 
+// Percent values of the pass: only changes go to the sink, and each row counts once.
+class PassProgress {
+  public:
+    PassProgress(const DuplicateSearch& search, std::int64_t rowCount)
+        : progress(search.progress), targetLangId(search.targetLangId), total(rowCount) {}
+
+    void CountRow() {
+        if (progress == nullptr || counter == total) {
+            return;
+        }
+        const std::int64_t percent = ++counter * PercentOfThisPass / total;
+        if (percent != lastPercent) {
+            lastPercent = percent;
+            progress->ReportProgress(static_cast<std::int32_t>(percent), targetLangId);
+        }
+    }
+
+  private:
+    IExtViewProgress* const progress;
+    const std::int32_t targetLangId;
+    const std::int64_t total;
+    std::int64_t counter = 0;
+    std::int64_t lastPercent = -1;
+};
+
 }  // namespace
 
 bool MarkDuplicates(Database& database, const DuplicateSearch& search) {
@@ -64,28 +89,18 @@ bool MarkDuplicates(Database& database, const DuplicateSearch& search) {
     if (outer.IsEmpty()) {
         return true;
     }
+    PassProgress progress(search, outer.Count());
     DuplicateGroups groups(database, search);
-    const bool isGrouped = groups.Prepare();
-
-    const std::int64_t total = outer.Count();
-    std::int64_t counter = 0;
-    std::int64_t lastPercent = -1;
+    if (groups.Decide(outer, [&progress] { progress.CountRow(); })) {
+        groups.WriteMarks();
+        return true;
+    }
     do {
         if (!outer.IsDone()) {
-            if (isGrouped) {
-                groups.MarkEqualRows(outer);
-            } else {
-                MarkRowsEqualTo(outer, database, search);
-            }
+            MarkRowsEqualTo(outer, database, search);
         }
-        counter += PercentOfThisPass;
-        if (search.progress != nullptr && counter / total != lastPercent) {
-            lastPercent = counter / total;
-            search.progress->ReportProgress(static_cast<std::int32_t>(lastPercent),
-                                            search.targetLangId);
-        }
+        progress.CountRow();
     } while (outer.MoveNext());
-    groups.WriteMarks();
     return true;
 }
 

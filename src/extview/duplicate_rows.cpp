@@ -13,6 +13,7 @@ bool DuplicateRows::Open(Database& database, std::u16string_view query) {
     rows.BindField(TargetPosition, u"Target");
     rows.BindField(DonePosition, u"Done");
     rows.BindField(IdPosition, u"ID");
+    rows.BindField(KeyPosition, u"Source2Index");
     return true;
 }
 

@@ -3,6 +3,7 @@
 #include "extview/dao_recordset.h"
 #include "extview/row_selection.h"
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -18,10 +19,13 @@ class DuplicateRows {
     bool Open(Database& database, std::u16string_view query);
     bool IsEmpty() { return rows.IsEmpty(); }
     std::int32_t Count() { return rows.Count(); }
+    bool MoveFirst() { return rows.MoveFirst(); }
     bool MoveNext() { return rows.MoveNext(); }
 
     std::u16string_view Id() { return Text(IdPosition); }
     std::u16string_view Source() { return Text(SourcePosition); }
+    /// The key that the project has for the row; nothing without one, or if the query has none.
+    std::optional<std::u16string_view> StoredKey() { return rows.GetString(KeyPosition); }
     /// Rows with equal forms of both are an equal pair.
     std::u16string SourceForm();
     std::u16string TargetForm();
@@ -30,7 +34,7 @@ class DuplicateRows {
     void MarkDone();
 
   private:
-    enum Position { SourcePosition = 1, TargetPosition, DonePosition, IdPosition };
+    enum Position { SourcePosition = 1, TargetPosition, DonePosition, IdPosition, KeyPosition };
 
     std::u16string_view Text(Position position) {
         return rows.GetString(position).value_or(std::u16string_view());

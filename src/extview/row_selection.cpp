@@ -138,7 +138,8 @@ RowQueries BuildQueries(const ExportFlags& flags, std::int32_t fileId, std::int3
     queries.duplicateQuery = u"SELECT ID, Source, Target_" + language +
                              u" As Target, Done FROM Pairs WHERE Source2Index = '";
     queries.duplicateTail = u"' AND " + exported;
-    queries.keyQuery = u"SELECT ID, Source2Index FROM Pairs WHERE " + exported;
+    queries.rowsQuery = u"SELECT ID, Source, Target_" + language +
+                        u" As Target, Done, Source2Index FROM Pairs WHERE " + exported;
     return queries;
 }
 

@@ -45,7 +45,7 @@ struct RowQueries {
     std::u16string duplicateQuery;
     std::u16string duplicateTail;
 
-    std::u16string keyQuery;  ///< identifier and source key of the rows that go out
+    std::u16string rowsQuery;  ///< the same rows for the duplicate pass, in no stated order
 
     std::u16string whereClause;  ///< the selection without the conditions on `Done` and `Selected`
 };

@@ -143,6 +143,7 @@ TEST(MarkDuplicates, AgreesWithTheModelOnRandomProjects) {
     for (int round = 0; round < 300; ++round) {
         std::vector<PairRow> rows;
         const bool repeatedIds = round % 6 == 0;
+        const bool strangeKeys = round % 2 == 0;
         const auto count = random() % 40;
         for (unsigned i = 0; i < count; ++i) {
             PairRow row;
@@ -152,7 +153,7 @@ TEST(MarkDuplicates, AgreesWithTheModelOnRandomProjects) {
             }
             row.source = oneOf({u"a", u"b", u"a 1", u"{2} a", u"7", u"it's", u"a{x}"});
             row.target = oneOf({u"x", u"y", u"x 3", u""});
-            if (random() % 4 == 0) {
+            if (strangeKeys && random() % 4 == 0) {
                 row.sourceKey = oneOf({u"a", u"b", u"", u"c", u"A"});
             }
             rows.push_back(row);
