@@ -9,9 +9,9 @@
 
 namespace generalutilities {
 
-/// The cells of a file of cases in the folder data/, row by row. Cells are parted by tabs; a line or
-/// cell that begins with "# " is a remark. Control pictures stand for controls (␊ for a line feed),
-/// and ⟨D800⟩ for the unit or byte of that number.
+/// The cells of a file of cases in the folder data/, row by row. Cells are parted by tabs; a line
+/// or cell that begins with "# " is a remark. Control pictures stand for controls (␊ for a line
+/// feed), and ⟨D800⟩ for the unit or byte of that number.
 inline std::vector<std::vector<std::u16string>> CaseTable(const std::string& name) {
     std::vector<std::vector<std::u16string>> rows;
     std::istringstream lines(ReadFile(std::string(TEST_DATA_DIR "/") + name));

@@ -2,6 +2,8 @@
 
 #include "project/project_files.h"
 
+#include <functional>
+
 namespace generalutilities {
 namespace {
 
@@ -55,35 +57,29 @@ TEST_F(Contents, AreCountedByLanguageFileAndStatus) {
 }
 
 TEST_F(Contents, RowsAreFilteredAndPaged) {
-    using List = std::vector<std::u16string>;
-    RowFilter filter;
-    filter.langId = 1036;
-    EXPECT_EQ(Sources_(filter), (List{u"Open file", u"Close", u"Save \u0410\u0411", u"term"}));
-    filter.onlyUntranslated = true;
-    EXPECT_EQ(Sources_(filter), List{u"Close"});
-    filter = {};
-    filter.langId = 1036;
-    filter.fileId = -1;
-    EXPECT_EQ(Sources_(filter), List{u"term"});
-    filter.fileId = 1;
-    EXPECT_EQ(Sources_(filter), (List{u"Open file", u"Close"}));
-    filter.statusMask = 0x200 | 4;
-    EXPECT_EQ(Sources_(filter), List{u"Open file"});
-    filter = {};
-    filter.langId = 1036;
-    for (const std::u16string_view text : {u"\u0430\u0431", u"\u00C9CRI", u"000003"}) {
-        filter.text = text;
-        EXPECT_EQ(Sources_(filter), List{u"Save \u0410\u0411"});
+    const std::u16string save = u"Save \u0410\u0411";
+    const struct {
+        std::function<void(RowFilter&)> choose;
+        std::vector<std::u16string> sources;
+    } cases[] = {
+        {[](RowFilter&) {}, {u"Open file", u"Close", save, u"term"}},
+        {[](RowFilter& filter) { filter.onlyUntranslated = true; }, {u"Close"}},
+        {[](RowFilter& filter) { filter.fileId = -1; }, {u"term"}},
+        {[](RowFilter& filter) { filter.fileId = 1; }, {u"Open file", u"Close"}},
+        {[](RowFilter& filter) { filter.statusMask = 0x200 | 4; }, {u"Open file", u"term"}},
+        {[](RowFilter& filter) { filter.text = u"\u0430\u0431"; }, {save}},
+        {[](RowFilter& filter) { filter.text = u"\u00C9CRI"; }, {save}},
+        {[](RowFilter& filter) { filter.text = u"000003"; }, {save}},
+        {[](RowFilter& filter) { filter.text = u"MENU"; }, {u"Open file"}},  // in a comment
+        {[](RowFilter& filter) { filter.skip = 1, filter.limit = 2; }, {u"Close", save}},
+        {[](RowFilter& filter) { filter.limit = 0; }, {}},
+    };
+    for (const auto& [choose, sources] : cases) {
+        RowFilter filter;
+        filter.langId = 1036;
+        choose(filter);
+        EXPECT_EQ(Sources_(filter), sources);
     }
-    filter.text = u"MENU";
-    EXPECT_EQ(Sources_(filter), List{u"Open file"}) << "in a comment";
-    filter = {};
-    filter.langId = 1036;
-    filter.skip = 1;
-    filter.limit = 2;
-    EXPECT_EQ(Sources_(filter), (List{u"Close", u"Save \u0410\u0411"}));
-    filter.limit = 0;
-    EXPECT_EQ(Sources_(filter), List{});
 }
 
 TEST_F(Contents, NamesTheLanguagesThatThereAre) {

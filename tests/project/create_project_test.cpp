@@ -2,8 +2,6 @@
 
 #include "project/project_files.h"
 
-#include <filesystem>
-
 namespace generalutilities {
 namespace {
 
@@ -16,14 +14,8 @@ const std::u16string OddTexts[] = {u"\xD800",
                                    u"\u2028\u2029\u0085",
                                    u"'quoted' \"twice\" \\ {1} \\{",
                                    u"\u0006{1}\u0007%s\u0008",
-                                   u"e\u0301 \u05D0\u05B0 \u0627\u064B \u0E01\u0E33 \uAC00",
                                    u"  blanks  ",
                                    u"%_*?[#]"};
-
-std::size_t FilesIn(const TemporaryFolder& folder) {
-    const std::filesystem::directory_iterator list(files::ToUtf8Lossy(folder.Path(u"")));
-    return static_cast<std::size_t>(std::distance(begin(list), end(list)));
-}
 
 TEST(CreateProject, KeepsEveryUnitOfItsRows) {
     const TemporaryFolder folder;
@@ -42,7 +34,7 @@ TEST(CreateProject, KeepsEveryUnitOfItsRows) {
     EXPECT_EQ(result.files, std::vector<std::u16string>{u"main.txt"});
     EXPECT_EQ(percents.back(), 100);
     EXPECT_TRUE(std::is_sorted(percents.begin(), percents.end()));
-    EXPECT_EQ(FilesIn(folder), 1U) << "nothing else is left beside the project";
+    EXPECT_EQ(folder.FileCount(), 1U) << "nothing else is left beside the project";
 
     const auto project = OpenProject(folder.Path(u"p"));
     const auto pairs =
@@ -116,6 +108,15 @@ TEST(CreateProject, JoinsSourcesWithDifferentLanguagesAndFiles) {
     EXPECT_EQ(QueryText(*project, u"SELECT Freq FROM Pairs WHERE FileID = -1"), u"9");
 }
 
+/// The error of creating a project of rows.
+std::string Make(std::u16string_view path, const std::vector<NewProjectRow>& rows, bool replace) {
+    CreateOptions options;
+    options.replaceExisting = replace;
+    return ErrorOf([&] {
+        CreateProject(path, Sources(std::make_unique<FixedRows>(std::vector{1036}, rows)), options);
+    });
+}
+
 TEST(CreateProject, LeavesNothingBehindWhenARowIsWrong) {
     const TemporaryFolder folder;
     const auto row = [](std::u16string id) { return MakeRow(u"x", {{}}, std::move(id)); };
@@ -125,58 +126,38 @@ TEST(CreateProject, LeavesNothingBehindWhenARowIsWrong) {
         {{row(u""), row(u"a")}, "has an identifier"},
         {{row(u"a\nb")}, "control character"},
     };
-    WriteFile(folder.Path(u"old"), "kept");
+    folder.Write("old", "kept");
     for (const auto& [rows, words] : cases) {
-        const auto make = [&](std::u16string_view name, bool replace) {
-            CreateOptions options;
-            options.replaceExisting = replace;
-            return ErrorOf([&] {
-                CreateProject(
-                    folder.Path(name),
-                    Sources(std::make_unique<FixedRows>(std::vector<std::int32_t>{1036}, rows)),
-                    options);
-            });
-        };
-        EXPECT_NE(make(u"new", false).find(words), std::string::npos);
-        EXPECT_NE(make(u"old", true).find(words), std::string::npos);
-        EXPECT_EQ(FilesIn(folder), 1U);
-        EXPECT_EQ(ReadFile(folder.Path(u"old")), "kept");
+        ExpectWords(Make(folder.Path(u"new"), rows, false), words);
+        ExpectWords(Make(folder.Path(u"old"), rows, true), words);
+        EXPECT_EQ(folder.FileCount(), 1U);
+        EXPECT_EQ(ReadFile(folder / "old"), "kept");
     }
 }
 
 TEST(CreateProject, ReplacesOnlyWhenAllowed) {
     const TemporaryFolder folder;
     const auto make = [&](std::u16string path, bool replace) {
-        CreateOptions options;
-        options.replaceExisting = replace;
-        return ErrorOf([&] {
-            CreateProject(path,
-                          Sources(std::make_unique<FixedRows>(std::vector<std::int32_t>{1036},
-                                                              std::vector{MakeRow(u"x", {{}})})),
-                          options);
-        });
+        return Make(path, {MakeRow(u"x", {{}})}, replace);
     };
-    WriteFile(folder.Path(u"p"), "old");
-    WriteFile(folder.Path(u"p-journal"), "of an earlier file of that name");
-    EXPECT_NE(make(folder.Path(u"p"), false).find("already"), std::string::npos);
-    EXPECT_EQ(ReadFile(folder.Path(u"p")), "old");
+    const std::filesystem::path file = folder.Write("p", "old"), link = folder / "link";
+    folder.Write("p-journal", "of an earlier file of that name");
+    ExpectWords(make(folder.Path(u"p"), false), "already");
+    EXPECT_EQ(ReadFile(file), "old");
     EXPECT_EQ(make(folder.Path(u"p"), true), "");
     EXPECT_NE(OpenProject(folder.Path(u"p")), nullptr);
-    EXPECT_EQ(FilesIn(folder), 1U);
-    const std::filesystem::path file(files::ToUtf8Lossy(folder.Path(u"p")));
-    const std::filesystem::path link(files::ToUtf8Lossy(folder.Path(u"link")));
+    EXPECT_EQ(folder.FileCount(), 1U);
     std::filesystem::create_symlink(file, link);
     std::filesystem::permissions(file, std::filesystem::perms::owner_all);
-    WriteFile(folder.Path(u"p"), "old");
+    WriteFile(file, "old");
     EXPECT_EQ(make(folder.Path(u"link"), true), "");
     EXPECT_TRUE(std::filesystem::is_symlink(link)) << "a link stays a link";
     EXPECT_EQ(std::filesystem::status(file).permissions(), std::filesystem::perms::owner_all);
     EXPECT_NE(OpenProject(folder.Path(u"p")), nullptr);
-    EXPECT_NE(make(folder.Path(u""), true).find("folder"), std::string::npos);
-    EXPECT_NE(make(folder.Path(u"no/such/p"), false), "");
-    EXPECT_NE(make(u"", false), "");
-    EXPECT_NE(ErrorOf([&] { CreateProject(folder.Path(u"q"), {}, {}); }).find("target language"),
-              std::string::npos);
+    ExpectWords(make(folder.Path(u""), true), "folder");
+    ExpectWords(make(folder.Path(u"no/such/p"), false), "");
+    ExpectWords(make(u"", false), "");
+    ExpectWords(ErrorOf([&] { CreateProject(folder.Path(u"q"), {}, {}); }), "target language");
 }
 
 }  // namespace

@@ -5,7 +5,7 @@
 #include <generalutilities/project/create.h>
 #include <generalutilities/project/inputs.h>
 
-#include "database/temporary_folder.h"
+#include "case_table.h"
 #include "platform/files/utf8.h"
 
 #include <gtest/gtest.h>
@@ -102,6 +102,15 @@ std::string ErrorOf(Call call) {
         return error.what();
     }
     return {};
+}
+
+/// Expects a message to hold all words that bars part.
+inline void ExpectWords(const std::string& message, const std::string& words) {
+    std::istringstream list(words);
+    for (std::string word; std::getline(list, word, '|');) {
+        EXPECT_NE(message.find(word), std::string::npos) << word << " in: " << message;
+    }
+    EXPECT_NE(message, "");
 }
 
 }  // namespace generalutilities

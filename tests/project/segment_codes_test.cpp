@@ -1,45 +1,25 @@
 #include <generalutilities/extview/segment_text.h>
 #include <generalutilities/project/segment_codes.h>
 
+#include "case_table.h"
 #include "project/placeholders.h"
 
-#include <gtest/gtest.h>
 #include <random>
 
 namespace generalutilities {
 namespace {
 
-std::vector<std::u16string> PlaceholdersOf(std::u16string_view text) {
-    std::vector<std::u16string> found;
-    for (std::size_t i = 0; i < text.size();) {
-        const std::size_t length = ProgramPlaceholderLength(text, i);
-        if (length > 0) {
-            found.emplace_back(text.substr(i, length));
-        }
-        i += length > 0 ? length : 1;
-    }
-    return found;
-}
-
 TEST(Placeholders, AreFoundAndNothingElse) {
-    using List = std::vector<std::u16string>;
-    const std::pair<std::u16string_view, List> cases[] = {
-        {u"%s of %d", {u"%s", u"%d"}},
-        {u"%1$s %2$-5.2f %-*d %.*f", {u"%1$s", u"%2$-5.2f", u"%-*d", u"%.*f"}},
-        {u"%(name)s %(size).1fMB", {u"%(name)s", u"%(size).1f"}},
-        {u"%lu %zd %hhx", {u"%lu", u"%zd", u"%hhx"}},
-        {u"100 % der 50%, 100%% %", {}},
-        {u"% s %(name %(a b)s %1 %$s", {}},
-        {u"{} {0} {name} {user.id!r:>8} {n:,}",
-         {u"{}", u"{0}", u"{name}", u"{user.id!r:>8}", u"{n:,}"}},
-        {u"{{name}} ${x}", {u"{{name}}", u"{x}"}},
-        {u"{ not one } {a b} {", {}},
-        {u"<b>x</b> <br/> <a href=\"u\">", {u"<b>", u"</b>", u"<br/>", u"<a href=\"u\">"}},
-        {u"a < b > c <1> <> <b", {}},
-        {u"<a <b>", {u"<b>"}},
-    };
-    for (const auto& [text, expected] : cases) {
-        EXPECT_EQ(PlaceholdersOf(text), expected) << std::string(text.begin(), text.end());
+    for (const auto& row : CaseTable("placeholders.tsv")) {
+        std::u16string found;
+        for (std::size_t i = 0; i < row[0].size();) {
+            const std::size_t length = ProgramPlaceholderLength(row[0], i);
+            if (length > 0) {
+                found += (found.empty() ? u"" : u"¦") + row[0].substr(i, length);
+            }
+            i += std::max<std::size_t>(length, 1);
+        }
+        EXPECT_EQ(found, row[1]) << testing::PrintToString(row[0]);
     }
 }
 
@@ -103,53 +83,16 @@ TEST(Codes, AreComparedAsAMultiset) {
     EXPECT_EQ(CompareCodes(u"{1}", u"\\{1}"), (List{{Kind::Lost, u"{1}", 1}}));
 }
 
-struct RestoreCase {
-    std::u16string_view shown, target, source;
-    std::u16string_view expected;  ///< empty: refused
-};
-
 TEST(HiddenCodes, ComeBackOrAreRefused) {
-    constexpr std::u16string_view One = u"\u0006{1}\u0007%s\u0008";
-    const RestoreCase cases[] = {
-        {u"new", u"old", u"src", u"new"},
-        // Groups follow wherever they went; the source helps where the target had none.
-        {u"x {1} y", u"\u0006{1}\u0007%s\u0008 old", u"", u"x \u0006{1}\u0007%s\u0008 y"},
-        {u"{2}{1}", u"\u0006{1}\u0007%s\u0008\u0006{2}\u0007%d\u0008", u"",
-         u"\u0006{2}\u0007%d\u0008\u0006{1}\u0007%s\u0008"},
-        {u"x {1}", u"", u"a \u0006{1}\u0007%s\u0008", u"x \u0006{1}\u0007%s\u0008"},
-        {u"{1}{1}", One, u"", u"\u0006{1}\u0007%s\u0008\u0006{1}\u0007%s\u0008"},
-        {u"\\{1} {1}", One, u"", u"\\{1} \u0006{1}\u0007%s\u0008"},
-        {u"{9} {1}", One, u"", u"{9} \u0006{1}\u0007%s\u0008"},
-        {u"gone", One, u"", u""},
-        {u"\\{1}", One, u"", u""},
-        {u"{1}", u"\u0006{1}\u0007a\u0008\u0006{1}\u0007b\u0008", u"", u""},
-        // Other shown texts stay where the text around them stays.
-        {u"big bold house", u"\u0006bold\u0007<b>\u0008 house", u"",
-         u"big \u0006bold\u0007<b>\u0008 house"},
-        {u"fat house", u"\u0006bold\u0007<b>\u0008 house", u"", u""},
-        {u"Hello", u"Hal\u0006\u0007!\u0008lo", u"", u""},
-        {u"Hello world", u"Hallo\u0006\u0007!\u0008 world", u"", u"Hello\u0006\u0007!\u0008 world"},
-        {u"Hello world", u"\u0006\u0007!\u0008Hallo world", u"", u"\u0006\u0007!\u0008Hello world"},
-        {u"Hallo earth", u"Hallo world\u0006\u0007!\u0008", u"", u"Hallo earth\u0006\u0007!\u0008"},
-        {u"Hallo my world", u"Hallo \u0006\u0007!\u0008world", u"",
-         u"Hallo \u0006\u0007!\u0008my world"},
-        // Marks in disorder cannot be told apart.
-        {u"new", u"\u0006a\u0006b\u0007c\u0008\u0008", u"", u""},
-        {u"new", u"a\u0007b", u"", u""},
-        {u"{1}", u"", u"\u0006{1}\u0007", u"{1}"},
-    };
-    for (const RestoreCase& test : cases) {
+    for (const auto& row : CaseTable("hidden_codes.tsv")) {
+        SCOPED_TRACE(testing::PrintToString(row));
         std::u16string restored = u"untouched";
         std::u16string missing;
-        const bool done =
-            RestoreHiddenCodes(test.shown, test.target, test.source, restored, missing);
-        const std::string name(test.shown.begin(), test.shown.end());
-        EXPECT_EQ(done, !test.expected.empty()) << name;
-        EXPECT_EQ(restored, done ? test.expected : u"untouched") << name;
-        EXPECT_EQ(missing.empty(), done) << name;
-        if (done) {
-            EXPECT_EQ(StripCodeMarkers(restored), test.shown) << name;
-        }
+        const bool done = RestoreHiddenCodes(row[0], row[1], row[2], restored, missing);
+        EXPECT_EQ(done, !row[3].empty());
+        EXPECT_EQ(restored, done ? row[3] : u"untouched");
+        EXPECT_EQ(missing.empty(), done);
+        EXPECT_TRUE(!done || StripCodeMarkers(restored) == row[0]);
     }
 }
 
