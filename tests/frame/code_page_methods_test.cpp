@@ -5,6 +5,7 @@
 #include <generalutilities/interfaces/string_utils.h>
 
 #include <gtest/gtest.h>
+#include <thread>
 #include <vector>
 
 namespace generalutilities {
@@ -169,6 +170,39 @@ TEST_F(CodePageMethods, TellsWhetherAStringFits) {
         EXPECT_EQ(fits, test.fits ? VARIANT_TRUE : VARIANT_FALSE) << test.codePage;
     }
     EXPECT_EQ(utils->IsStringInCodePage(nullptr, 1252, nullptr), E_POINTER);
+}
+
+// Objects share the tables of the pages and nothing else.
+TEST_F(CodePageMethods, ObjectsOnManyThreadsDoNotDisturbEachOther) {
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i) {
+        threads.emplace_back([] {
+            ComPtr<IStringUtils> own;
+            ASSERT_EQ(CoCreateInstance(CLSID_StringUtils, nullptr, CLSCTX_INPROC_SERVER,
+                                       IID_IStringUtils, own.OutVoid()),
+                      S_OK);
+            for (int round = 0; round < 20; ++round) {
+                Bstr out;
+                for (const std::int32_t codePage : {932, 50220, 65001, 51932}) {
+                    const Bstr text(u"\u30C6a\u65E5");
+                    Bstr bytes;
+                    ASSERT_EQ(
+                        own->ConvertStringFromUnicode(codePage, text.Get(), -1, 0, bytes.Out()),
+                        S_OK);
+                    ASSERT_EQ(own->ConvertStringToUnicode(codePage, bytes.Get(), -1, 0, out.Out()),
+                              S_OK);
+                    EXPECT_EQ(out.View(), text.View());
+                }
+                SAFEARRAY* found = nullptr;
+                EXPECT_EQ(own->GetStringCodePages(Bstr(u"a").Get(), &found), S_OK);
+                EXPECT_EQ(found->rgsabound[0].cElements, 15u);
+                SafeArrayDestroy(found);
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
 }
 
 }  // namespace

@@ -8,10 +8,10 @@ namespace generalutilities::code_pages {
 
 inline constexpr std::size_t AsciiBlock = 16;
 
-/// How far to go character by character before looking for blocks again: one block where there was
-/// ASCII just now, else more of them, since a text in another script seldom changes.
+/// How far to go another way before looking for blocks again: two where there was ASCII just now,
+/// else more of them, since a text in another script seldom changes.
 constexpr std::size_t PlainRun(std::size_t asciiBefore) {
-    return asciiBefore > 0 ? AsciiBlock : 8 * AsciiBlock;
+    return asciiBefore > 0 ? 2 * AsciiBlock : 16 * AsciiBlock;
 }
 
 /// Widens blocks from the start for as long as they are whole and pure ASCII. Gives how many bytes

@@ -10,21 +10,62 @@ namespace {
 
 constexpr char16_t Replacement = 0xFFFD;
 
+/// How far to go by rows before looking for ASCII again: rows are fast with ASCII, too.
+constexpr std::size_t RowRun = 256;
+
+std::array<char16_t, 256> Characters(const PageContent& page) {
+    auto characters = page.single;
+    std::replace(characters.begin(), characters.end(), PageContent::Undefined, Replacement);
+    return characters;
+}
+
+unsigned char QuestionMark(const PageContent& page) {
+    const std::uint16_t mark = page.codes[u'?'];
+    return static_cast<unsigned char>(mark == PageContent::NoCode ? '?' : mark);
+}
+
+std::vector<unsigned char> Bytes(const PageContent& page) {
+    const unsigned char questionMark = QuestionMark(page);
+    std::vector<unsigned char> bytes;
+    bytes.reserve(page.codes.size());
+    for (const std::uint16_t code : page.codes) {
+        bytes.push_back(code == PageContent::NoCode ? questionMark
+                                                    : static_cast<unsigned char>(code));
+    }
+    return bytes;
+}
+
+bool HoldsAscii(const std::array<char16_t, 256>& characters) {
+    for (std::size_t byte = 0; byte < 0x80; ++byte) {
+        if (characters[byte] != byte) {
+            return false;
+        }
+    }
+    return true;
+}
+
+/// Of the upper halves but 0 the one of which most characters lie in rows.
+CharacterRows ScriptRows(const SingleByteTable& table) {
+    CharacterRows best(1, table.bytes, table.characters);
+    for (unsigned upper = 2; upper < 0x100; ++upper) {
+        const CharacterRows rows(static_cast<std::uint8_t>(upper), table.bytes, table.characters);
+        if (rows.count > best.count) {
+            best = rows;
+        }
+    }
+    return best;
+}
+
 }  // namespace
 
 SingleByteTable::SingleByteTable(const PageContent& page)
-    : characters(page.single), bytes(page.codes.size()), holdsAscii(true) {
-    std::replace(characters.begin(), characters.end(), PageContent::Undefined, Replacement);
-    const std::uint16_t mark = page.codes[u'?'];
-    questionMark = static_cast<unsigned char>(mark == PageContent::NoCode ? '?' : mark);
-    for (std::size_t unit = 0; unit < bytes.size(); ++unit) {
-        const std::uint16_t code = page.codes[unit];
-        bytes[unit] = code == PageContent::NoCode ? questionMark : static_cast<unsigned char>(code);
-    }
-    for (std::size_t byte = 0; byte < 0x80; ++byte) {
-        holdsAscii = holdsAscii && characters[byte] == byte;
-    }
-}
+    : characters(Characters(page)),
+      questionMark(QuestionMark(page)),
+      bytes(Bytes(page)),
+      holdsAscii(HoldsAscii(characters)),
+      byteRows(characters),
+      latinRows(0, bytes, characters),
+      scriptRows(ScriptRows(*this)) {}
 
 namespace {
 
@@ -51,29 +92,34 @@ void LookUp(const Entry* __restrict table, const From* __restrict from, std::siz
 
 }  // namespace
 
-// Blocks of ASCII go by vectors; any other block, and the rest, goes through the table.
+// Blocks of ASCII are copied; others go by rows, and what is left goes through the table. A page
+// without ASCII has nothing in rows.
 
 void SingleByteConverter::ToUnits(std::string_view bytes, char16_t* units) {
-    for (std::size_t i = 0; i < bytes.size();) {
-        const std::size_t ascii =
-            table.holdsAscii ? WidenAscii(bytes.data() + i, bytes.size() - i, units + i) : 0;
-        i += ascii;
-        const std::size_t length = std::min(bytes.size() - i, PlainRun(ascii));
-        LookUp(table.characters.data(), reinterpret_cast<const unsigned char*>(bytes.data()) + i,
-               length, units + i);
+    const auto* const raw = reinterpret_cast<const unsigned char*>(bytes.data());
+    std::size_t i = 0;
+    while (table.holdsAscii && i < bytes.size()) {
+        i += WidenAscii(bytes.data() + i, bytes.size() - i, units + i);
+        const std::size_t length = std::min(bytes.size() - i, RowRun);
+        const std::size_t done =
+            DecodeByRows(table.byteRows, table.characters, bytes.data() + i, length, units + i);
+        LookUp(table.characters.data(), raw + i + done, length - done, units + i + done);
         i += length;
     }
+    LookUp(table.characters.data(), raw + i, bytes.size() - i, units + i);
 }
 
 void SingleByteConverter::ToBytes(std::u16string_view text, char* bytes) {
-    for (std::size_t i = 0; i < text.size();) {
-        const std::size_t ascii =
-            table.holdsAscii ? NarrowAscii(text.data() + i, text.size() - i, bytes + i) : 0;
-        i += ascii;
-        const std::size_t length = std::min(text.size() - i, PlainRun(ascii));
-        LookUp(table.bytes.data(), text.data() + i, length, bytes + i);
+    std::size_t i = 0;
+    while (table.holdsAscii && i < text.size()) {
+        i += NarrowAscii(text.data() + i, text.size() - i, bytes + i);
+        const std::size_t length = std::min(text.size() - i, RowRun);
+        const std::size_t done = EncodeByRows(table.latinRows, table.scriptRows, table.bytes.data(),
+                                              text.data() + i, length, bytes + i);
+        LookUp(table.bytes.data(), text.data() + i + done, length - done, bytes + i + done);
         i += length;
     }
+    LookUp(table.bytes.data(), text.data() + i, text.size() - i, bytes + i);
 }
 
 std::size_t SingleByteConverter::FindUndefinedBytes(std::string_view bytes) {

@@ -3,6 +3,7 @@
 #include <generalutilities/code_pages.h>
 
 #include "platform/code_pages/page_content.h"
+#include "platform/code_pages/row_tables.h"
 
 #include <array>
 #include <vector>
@@ -14,9 +15,15 @@ struct SingleByteTable {
     explicit SingleByteTable(const PageContent& page);
 
     std::array<char16_t, 256> characters;  ///< U+FFFD where there is none
-    std::vector<unsigned char> bytes;      ///< by code unit; `questionMark` where there is none
     unsigned char questionMark;
-    bool holdsAscii;  ///< all bytes below 0x80 stand for themselves
+    std::vector<unsigned char> bytes;  ///< by code unit; `questionMark` where there is none
+    bool holdsAscii;                   ///< all bytes below 0x80 stand for themselves
+
+    // The same once more by rows: of the bytes, of the characters below U+0100, and of those with
+    // the upper half that has most of the others.
+    ByteRows byteRows;
+    CharacterRows latinRows;
+    CharacterRows scriptRows;
 };
 
 class SingleByteConverter final : public CodePageConverter {

@@ -82,12 +82,14 @@ std::pair<UErrorCode, std::size_t> Encode(UConverter& converter, UConverterFromU
     const char16_t* const end = source + text.size();
     char bytes[ChunkSize];
     do {
+        // The converter refuses a source of more than 2^30 units.
+        const char16_t* const stop = source + std::min<std::size_t>(ChunkSize * 4, end - source);
         char* target = bytes;
         error = U_ZERO_ERROR;
-        ucnv_fromUnicode(&converter, &target, bytes + ChunkSize, &source, end, nullptr, closes,
-                         &error);
+        ucnv_fromUnicode(&converter, &target, bytes + ChunkSize, &source, stop, nullptr,
+                         closes && stop == end, &error);
         take(bytes, static_cast<std::size_t>(target - bytes));
-    } while (error == U_BUFFER_OVERFLOW_ERROR);
+    } while (error == U_BUFFER_OVERFLOW_ERROR || (U_SUCCESS(error) && source != end));
     const auto read = static_cast<std::size_t>(source - text.data());
     if (!closes && U_SUCCESS(error)) {
         // This converter leaves the last shift open. A line end closes it, and is not handed out.

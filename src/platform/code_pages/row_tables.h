@@ -1,0 +1,59 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+/// Conversion by rows, the vector half of pages with one byte a character.
+///
+/// A script lies in its page mostly as it lies in Unicode: of the sixteen bytes with one upper
+/// digit many become sixteen characters in a row, with the same lower digit. Where that is so, a
+/// table of sixteen rows says all, and such a table fits a vector register. What does not lie so is
+/// noticed and looked up one by one.
+namespace generalutilities::code_pages {
+
+/// For each row of bytes the row of characters that it becomes, as the two halves of its first
+/// character; `scattered` is 0xFF for a row that does not become one. Of these the first two, where
+/// Windows pages have their quotation marks and dashes, are told character by character.
+struct ByteRows {
+    explicit ByteRows(const std::array<char16_t, 256>& characters);
+
+    struct Told {
+        std::uint8_t first = 0;                          ///< the first byte of the row
+        alignas(16) std::array<std::uint8_t, 16> low{};  ///< exclusive-or its own lower digit
+        alignas(16) std::array<std::uint8_t, 16> high{};
+    };
+    std::array<Told, 2> told;
+
+    alignas(16) std::array<std::uint8_t, 16> low{};
+    alignas(16) std::array<std::uint8_t, 16> high{};
+    alignas(16) std::array<std::uint8_t, 16> scattered{};
+};
+
+/// For the characters with one upper half the row of bytes that each of their rows becomes, and
+/// which of them do: those for whose lower digit `members` has a bit in common with `row` for their
+/// upper one. Whole rows share a bit; rows with gaps have one each while they last.
+struct CharacterRows {
+    /// `bytes` tells the byte of every code unit, `characters` what each byte becomes.
+    CharacterRows(std::uint8_t upperHalf, std::span<const unsigned char> bytes,
+                  const std::array<char16_t, 256>& characters);
+
+    std::uint8_t upper;
+    int count = 0;  ///< of the characters that are told so
+    alignas(16) std::array<std::uint8_t, 16> base{};
+    alignas(16) std::array<std::uint8_t, 16> row{};
+    alignas(16) std::array<std::uint8_t, 16> members{};
+};
+
+/// Decodes blocks of 32 bytes for as long as they are whole, and gives how many bytes that were; 0
+/// on a processor without the instructions.
+std::size_t DecodeByRows(const ByteRows& rows, const std::array<char16_t, 256>& characters,
+                         const char* bytes, std::size_t length, char16_t* units);
+
+/// The way back, with the rows of two upper halves.
+std::size_t EncodeByRows(const CharacterRows& first, const CharacterRows& second,
+                         const unsigned char* byteOf, const char16_t* units, std::size_t length,
+                         char* bytes);
+
+}  // namespace generalutilities::code_pages
