@@ -99,7 +99,7 @@ class Engine : public Transactions {
     Engine() {
         database.reset();
         raw = RawFile(path).Release();
-        engine = std::make_shared<sqlite::Connection>(raw, "project.gu");
+        engine = std::make_shared<sqlite::Connection>(sqlite::OpenFileHandle(raw), "project.gu");
         database = std::make_unique<sqlite::SqliteDatabase>(engine);
     }
 

@@ -49,7 +49,7 @@ void FailEach(const std::string& name, const Call& call, HRESULT documented = E_
         long points = 0;
         long quiet = 0;
         bool met = true;
-        for (long at = 1; met; at += LongRounds() ? 1 : 1 + at / 16) {
+        for (long at = 1; met; at += LongRounds() ? 1 : 1 + at / 64) {
             const std::string where = name + (fromThenOn ? " from " : " at ") + std::to_string(at);
             around.prepare();
             FailAllocation(at, fromThenOn);

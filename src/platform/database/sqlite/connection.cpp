@@ -45,24 +45,19 @@ void Statement::Return() {
     }
 }
 
-Connection::Connection(sqlite3* opened, std::string file)
-    : database(opened), fileName(std::move(file)), busyTimeout(busyTimeoutOfNewFiles) {
+Connection::Connection(OpenFileHandle opened, std::string file)
+    : database(std::move(opened)), fileName(std::move(file)), busyTimeout(busyTimeoutOfNewFiles) {
     idle.reserve(StatementsKept + 1);
-    sqlite3_extended_result_codes(database, 1);
-    sqlite3_busy_timeout(database, busyTimeout);
+    sqlite3_extended_result_codes(database.get(), 1);
+    sqlite3_busy_timeout(database.get(), busyTimeout);
     // A project file may come from anywhere: its schema must not be able to do harm.
-    sqlite3_db_config(database, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
-    sqlite3_db_config(database, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
-    sqlite3_db_config(database, SQLITE_DBCONFIG_ENABLE_LOAD_EXTENSION, 0, nullptr);
+    sqlite3_db_config(database.get(), SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
+    sqlite3_db_config(database.get(), SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
+    sqlite3_db_config(database.get(), SQLITE_DBCONFIG_ENABLE_LOAD_EXTENSION, 0, nullptr);
     // Without these two a name in quotes that names nothing would silently be a text.
-    sqlite3_db_config(database, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
-    sqlite3_db_config(database, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
-    sqlite3_limit(database, SQLITE_LIMIT_ATTACHED, 0);
-}
-
-Connection::~Connection() {
-    idle.clear();
-    sqlite3_close_v2(database);
+    sqlite3_db_config(database.get(), SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
+    sqlite3_db_config(database.get(), SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
+    sqlite3_limit(database.get(), SQLITE_LIMIT_ATTACHED, 0);
 }
 
 bool Connection::ReadEncoding() {
@@ -98,7 +93,7 @@ int Connection::PrepareEntry(std::string_view sql, Statement& statement) {
         return SQLITE_TOOBIG;
     }
     const int status =
-        sqlite3_prepare_v3(database, entry->sql.data(), static_cast<int>(entry->sql.size()),
+        sqlite3_prepare_v3(database.get(), entry->sql.data(), static_cast<int>(entry->sql.size()),
                            SQLITE_PREPARE_PERSISTENT, &entry->handle, nullptr);
     if (status == SQLITE_OK && entry->handle != nullptr) {
         statement.entry = std::move(entry);
@@ -232,13 +227,13 @@ bool Connection::Rollback() noexcept {
 }
 
 bool Connection::UndoAll() noexcept {
-    undoPending = sqlite3_get_autocommit(database) == 0 &&
-                  sqlite3_exec(database, "ROLLBACK", nullptr, nullptr, nullptr) != SQLITE_OK;
+    undoPending = sqlite3_get_autocommit(database.get()) == 0 &&
+                  sqlite3_exec(database.get(), "ROLLBACK", nullptr, nullptr, nullptr) != SQLITE_OK;
     return !undoPending;
 }
 
 bool Connection::MayWrite() {
-    if (transactionDepth > 0 && sqlite3_get_autocommit(database) != 0) {
+    if (transactionDepth > 0 && sqlite3_get_autocommit(database.get()) != 0) {
         transactionLost = true;
     }
     return !transactionLost || Fail(DatabaseFailure::Kind::Other,
@@ -247,8 +242,8 @@ bool Connection::MayWrite() {
 
 bool Connection::Fail(int status, const char* work) {
     CheckMemory(status);
-    const char* message = (sqlite3_errcode(database) & 0xFF) == (status & 0xFF)
-                              ? sqlite3_errmsg(database)
+    const char* message = (sqlite3_errcode(database.get()) & 0xFF) == (status & 0xFF)
+                              ? sqlite3_errmsg(database.get())
                               : sqlite3_errstr(status);
     failure = DescribeFailure(status, message, work, fileName);
     if (transactionDepth > 0 && !IsOfTheRequest(failure.kind)) {
@@ -258,7 +253,7 @@ bool Connection::Fail(int status, const char* work) {
         // A caller who goes on after this would wait anew for every row.
         waitedInVain = true;
         writeWaitedInVain = false;
-        sqlite3_busy_timeout(database, 0);
+        sqlite3_busy_timeout(database.get(), 0);
     }
     return false;
 }
@@ -277,7 +272,7 @@ void Connection::Succeeded(const Statement& statement) {
     // That one can read says nothing about writing.
     if (waitedInVain && (!writeWaitedInVain || sqlite3_stmt_readonly(statement.Get()) == 0)) {
         waitedInVain = false;
-        sqlite3_busy_timeout(database, busyTimeout);
+        sqlite3_busy_timeout(database.get(), busyTimeout);
     }
 }
 

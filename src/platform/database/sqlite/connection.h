@@ -25,6 +25,11 @@ inline constexpr int DefaultBusyTimeout = 5000;  // milliseconds
 /// Replaces the time for the files opened from now on; for tests and impatient hosts.
 void SetBusyTimeout(int milliseconds);
 
+struct CloseFile {
+    void operator()(sqlite3* opened) const { sqlite3_close_v2(opened); }
+};
+using OpenFileHandle = std::unique_ptr<sqlite3, CloseFile>;
+
 class Connection;
 
 /// A prepared statement on loan from its connection, to which it returns, reset, at the end.
@@ -82,15 +87,14 @@ class Connection {
     static constexpr std::size_t StatementsKept = 64;
 
     /// Takes over `opened`; `file` is its name for messages.
-    Connection(sqlite3* opened, std::string file);
-    ~Connection();
+    Connection(OpenFileHandle opened, std::string file);
     Connection(const Connection&) = delete;
     Connection& operator=(const Connection&) = delete;
 
     /// To be called once before texts are read or written: learns how the file keeps them.
     bool ReadEncoding();
 
-    sqlite3* Handle() const { return database; }
+    sqlite3* Handle() const { return database.get(); }
     bool KeepsUtf8() const { return utf8; }
     /// Whether the bytes of a text in the file are the code units of this machine.
     bool KeepsCodeUnits() const { return codeUnits; }
@@ -154,14 +158,14 @@ class Connection {
     void Succeeded(const Statement& statement);
     bool UndoAll() noexcept;
 
-    sqlite3* database;
+    OpenFileHandle database;  ///< stands first: statements go before it
     std::string fileName;
     DatabaseFailure failure;
     std::vector<std::unique_ptr<Statement::Entry>> idle;  ///< the latest used stand last
     std::uint64_t generation = 0;
     std::size_t transactionDepth = 0;
     bool transactionLost = false;
-    bool undoPending = false;  ///< left, but not undone
+    bool undoPending = false;   ///< left, but not undone
     bool waitedInVain = false;  ///< the file was locked to the end of the wait: do not wait again
     bool writeWaitedInVain = false;  ///< ... for writing
     bool utf8 = false;

@@ -43,12 +43,16 @@ class Opener {
         if (!CreateFile()) {
             return nullptr;
         }
-        if (!OpenConnection() || !PrepareNewFile()) {
-            connection.reset();
+        try {
+            if (OpenConnection() && PrepareNewFile()) {
+                return std::make_unique<SqliteDatabase>(connection);
+            }
+        } catch (const std::bad_alloc&) {
             unlink(nativePath.c_str());
-            return nullptr;
+            throw;
         }
-        return std::make_unique<SqliteDatabase>(connection);
+        unlink(nativePath.c_str());
+        return nullptr;
     }
 
   private:
@@ -117,13 +121,13 @@ class Opener {
         // Falls back to reading alone by itself where the file cannot be written.
         const int status = sqlite3_open_v2(path.c_str(), &database,
                                            SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr);
+        OpenFileHandle opened(database);
+        CheckMemory(status);
         if (status != SQLITE_OK) {
-            const std::string message = sqlite3_errstr(status);
-            sqlite3_close_v2(database);
-            CheckMemory(status);
-            return Fail(Kind::Other, "cannot be opened: " + message + ".");
+            return Fail(Kind::Other,
+                        std::string("cannot be opened: ") + sqlite3_errstr(status) + ".");
         }
-        connection = std::make_shared<Connection>(database, name);
+        connection = std::make_shared<Connection>(std::move(opened), name);
         return true;
     }
 
