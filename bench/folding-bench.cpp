@@ -5,6 +5,7 @@
 #include <generalutilities/interfaces/string_utils.h>
 #include <generalutilities/text/folding.h>
 
+#include "check.h"
 #include "ratios.h"
 #include "sample_texts.h"
 #include "text/fold_into.h"
@@ -29,13 +30,6 @@ struct Work {
     static constexpr std::size_t LongestGrowth = 4;
 };
 using SharedWork = std::shared_ptr<Work>;
-
-void Check(bool holds, const char* what) {
-    if (!holds) {
-        std::fprintf(stderr, "%s\n", what);
-        std::exit(1);
-    }
-}
 
 void RegisterCopy(const std::string& name, const SharedWork& work) {
     RegisterBenchmark((name + "/limit").c_str(), [work](State& state) {

@@ -33,11 +33,20 @@ constexpr char16_t Replaced(char16_t unit, std::uint16_t entry) {
     return entry != 0 ? static_cast<char16_t>(entry) : unit;
 }
 
+constexpr std::uint8_t WithKind(char16_t unit, std::uint8_t classes) {
+    const bool special = (classes & charclass::Number) != 0 || unit == u'&' || unit == u'\'';
+    const std::uint8_t kind = special                                 ? KindSpecial
+                              : (classes & charclass::EastAsian) != 0 ? KindEastAsian
+                              : (classes & charclass::Letter) != 0    ? KindLetter
+                                                                      : 0;
+    return static_cast<std::uint8_t>(classes | kind);
+}
+
 constexpr Pages PagesOf(const Table<char16_t>& mapped) {
     Pages pages{};
     std::size_t unit = FirstPage * PageSize;
     for (Page& page : pages) {
-        for (std::int8_t& distance : page.distances) {
+        for (std::int8_t& distance : page) {
             const int wanted = mapped[unit] - static_cast<int>(unit);
             distance = static_cast<std::int8_t>(wanted);
             if (distance != wanted) {
@@ -55,6 +64,9 @@ constexpr Table<char16_t> Upper = Spread(tables::UpperCaseIndex, tables::UpperCa
 constexpr Table<char16_t> Lower = Spread(tables::LowerCaseIndex, tables::LowerCaseRows, Moved);
 constexpr Table<char16_t> Unaccented =
     Spread(tables::AccentFoldIndex, tables::AccentFoldRows, Replaced);
+
+constexpr Table<std::uint8_t> Classes =
+    Spread(tables::CharCategoryIndex, tables::CharClassRows, WithKind);
 
 constexpr Pages UpperPages = PagesOf(Upper);
 constexpr Pages LowerPages = PagesOf(Lower);

@@ -27,12 +27,17 @@ inline constexpr std::size_t PageSize = 128;
 inline constexpr std::size_t FirstPage = 0x0380 / PageSize;
 inline constexpr std::size_t LastPage = 0x0580 / PageSize;
 
-struct alignas(16) Page {
-    std::array<std::int8_t, PageSize> distances;
-};
+using Page = std::array<std::int8_t, PageSize>;
 using Pages = std::array<Page, LastPage - FirstPage + 1>;
 
 extern const Pages UpperPages;
 extern const Pages LowerPages;
+
+/// The classes of each unit (char_tables.h) and, in the uppermost bits, what it is where a whole
+/// text is cut into words: special first, then East Asian, then a letter; no bit for a separator.
+inline constexpr std::uint8_t KindLetter = 0x80;
+inline constexpr std::uint8_t KindEastAsian = 0x40;
+inline constexpr std::uint8_t KindSpecial = 0x20;  ///< a number, "&" or "'"
+extern const Table<std::uint8_t> Classes;
 
 }  // namespace generalutilities::flat

@@ -17,15 +17,13 @@
 
 #ifdef GENERALUTILITIES_AVX2
 
-#include <bit>
-#include <immintrin.h>
+#include "text/vectors_avx2.h"
 
-#define AVX2 GENERALUTILITIES_AVX2
+#include <bit>
 
 namespace generalutilities {
 namespace {
 
-constexpr std::size_t BlockSize = 32;
 constexpr int PageBits = 7;
 static_assert(flat::PageSize == 1 << PageBits);
 
@@ -39,26 +37,6 @@ constexpr int PunctuationPage = 0x2000 >> PageBits;
 /// Where a block mixes letters of several pages, so do the next ones: they are not even looked at.
 constexpr int BlocksUntried = 3;
 
-/// 32 code units, in two halves.
-struct Block {
-    __m256i low;
-    __m256i high;
-};
-
-AVX2 inline Block Load(const char16_t* units) {
-    return {_mm256_loadu_si256(reinterpret_cast<const __m256i*>(units)),
-            _mm256_loadu_si256(reinterpret_cast<const __m256i*>(units + 16))};
-}
-
-AVX2 inline void Store(Block block, char16_t* out) {
-    _mm256_storeu_si256(reinterpret_cast<__m256i*>(out), block.low);
-    _mm256_storeu_si256(reinterpret_cast<__m256i*>(out + 16), block.high);
-}
-
-AVX2 inline __m256i All(int unit) {
-    return _mm256_set1_epi16(static_cast<short>(unit));
-}
-
 /// All bits of the units from `first` to `last`, none of the others.
 AVX2 inline __m256i InRange(__m256i units, char16_t first, char16_t last) {
     const __m256i offset = _mm256_sub_epi16(units, All(first));
@@ -69,12 +47,6 @@ AVX2 inline bool IsCaseless(Block block) {
     const __m256i caseless = _mm256_and_si256(InRange(block.low, FirstCaseless, LastCaseless),
                                               InRange(block.high, FirstCaseless, LastCaseless));
     return _mm256_testc_si256(caseless, All(0xFFFF)) != 0;
-}
-
-/// Two bits for each unit of a comparison's result.
-AVX2 inline std::uint64_t Bits(Block block) {
-    return static_cast<std::uint32_t>(_mm256_movemask_epi8(block.low)) |
-           std::uint64_t{static_cast<std::uint32_t>(_mm256_movemask_epi8(block.high))} << 32;
 }
 
 /// Folds the units of a half that are ASCII.
@@ -102,36 +74,6 @@ AVX2 inline __m256i Grows(__m256i units, __m256i mapped) {
     return grows;
 }
 
-/// A page's table in registers.
-struct PageTable {
-    __m256i parts[8];
-};
-
-AVX2 inline PageTable LoadTable(const flat::Page& page) {
-    PageTable table;
-    const auto* entries = reinterpret_cast<const __m128i*>(page.distances.data());
-    for (int i = 0; i < 8; ++i) {
-        table.parts[i] = _mm256_broadcastsi128_si256(_mm_load_si128(entries + i));
-    }
-    return table;
-}
-
-/// The table's entries for 32 numbers below 128.
-AVX2 inline __m256i LookUp(const PageTable& table, __m256i numbers) {
-    // The topmost bit of each byte chooses: bit 4 of the number, then bit 5, then bit 6.
-    const __m256i bit4 = _mm256_slli_epi16(numbers, 3);
-    const __m256i bit5 = _mm256_slli_epi16(numbers, 2);
-    const __m256i bit6 = _mm256_slli_epi16(numbers, 1);
-    __m256i quarters[4];
-    for (int i = 0; i < 4; ++i) {
-        quarters[i] =
-            _mm256_blendv_epi8(_mm256_shuffle_epi8(table.parts[2 * i], numbers),
-                               _mm256_shuffle_epi8(table.parts[2 * i + 1], numbers), bit4);
-    }
-    return _mm256_blendv_epi8(_mm256_blendv_epi8(quarters[0], quarters[1], bit5),
-                              _mm256_blendv_epi8(quarters[2], quarters[3], bit5), bit6);
-}
-
 /// The digits, blanks and punctuation that go with every script: those of Latin-1, which have the
 /// bits of 0xFF40 clear, and General Punctuation.
 AVX2 inline __m256i AreCompanions(__m256i units) {
@@ -156,8 +98,8 @@ AVX2 inline std::size_t FoldPage(const char16_t* units, std::size_t count, char1
     if ((others & ~Bits(inPage)) != 0 || page < flat::FirstPage || page > flat::LastPage) {
         return 0;
     }
-    const PageTable table = LoadTable(
-        (To == Case::Upper ? flat::UpperPages : flat::LowerPages)[page - flat::FirstPage]);
+    const ByteTable table = LoadTable(
+        (To == Case::Upper ? flat::UpperPages : flat::LowerPages)[page - flat::FirstPage].data());
     for (std::size_t done = 0;;) {
         const __m256i distances =
             LookUp(table, _mm256_packus_epi16(_mm256_and_si256(block.low, All(0x7F)),
@@ -213,8 +155,7 @@ AVX2 std::size_t FoldBlocks(const char16_t* units, std::size_t count, char16_t* 
         // The last block is a whole one too; what it shares with the one before is folded twice.
         i = std::min(i, count - BlockSize);
         const Block block = Load(units + i);
-        const __m256i either = _mm256_or_si256(block.low, block.high);
-        if (_mm256_testz_si256(either, All(~0x7F)) != 0) {
+        if (IsAscii(block)) {
             Store({FoldAscii<Rule::ToCase>(block.low), FoldAscii<Rule::ToCase>(block.high)},
                   out + i);
             continue;

@@ -269,8 +269,11 @@ HRESULT CStringUtils::ParseString(std::int32_t* CharPos, BSTR String, std::int32
     }
     const auto position = static_cast<std::size_t>(*CharPos == 0 ? 0 : *CharPos - 1);
     return Guarded([&] {
+        if (LangID != wordParser.Language()) {
+            wordParser = WordParser(LangID);
+        }
         const std::u16string_view text = View(String);
-        const auto token = WordParser(LangID).ParseStep(text, position);
+        const auto token = wordParser.ParseStep(text, position);
         if (!token) {
             *CharPos = 0;
             return S_OK;

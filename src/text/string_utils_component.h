@@ -56,6 +56,7 @@ class CStringUtils : public Dual<IStringUtils, DescribeStringUtils>,
   private:
     CharSets charSets;
     ByteStringConversion byteStrings;
+    WordParser wordParser{0};  ///< of the language that was last asked for
     bool ttxIgnoreFonts = false;
 };
 

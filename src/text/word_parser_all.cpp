@@ -1,10 +1,15 @@
 // ParseAll: a whole text at once. Every code unit is of one kind, East Asian units end a word, the
 // apostrophe follows the rules of the primary language, and a backslash protects a "{". Each token
-// depends on its start and on the text alone.
+// depends on its start and on the text alone, so the ordinary ones between the few units with rules
+// of their own are cut by bit masks, 64 units at a time.
 
 #include <generalutilities/text/words.h>
 
+#include "text/word_masks.h"
 #include "text/word_scan.h"
+
+#include <algorithm>
+#include <bit>
 
 namespace generalutilities {
 namespace {
@@ -110,30 +115,70 @@ TextToken SeparatorToken(const NumberSeparators& separators, std::u16string_view
     return MakeToken(first, end, qlnwtSeparator);
 }
 
+TextToken TokenAt(const NumberSeparators& separators, std::int32_t langId, std::u16string_view text,
+                  std::size_t first) {
+    switch (KindOf(text[first])) {
+        case Kind::EastAsian:
+            return MakeToken(first, first + 1, qlnwtDBCS);
+        case Kind::Word:
+            return MakeToken(first, WordEnd(text, first, langId), qlnwtWord);
+        case Kind::Digit:
+            return MakeToken(first, NumberEnd(separators, text, first), qlnwtDigit);
+        default:
+            return SeparatorToken(separators, text, first);
+    }
+}
+
+/// Writes the ordinary tokens at the start of a stretch whose first unit starts a token; the end of
+/// what was written. No unit that has a rule of its own stands in them or right behind them, so
+/// each ends where the kind changes. (The rules of "{" and of decimal signs ask for a digit.)
+TextToken* FindOrdinaryTokens(const WordMasks& masks, std::size_t first, TextToken* tokens) {
+    const std::uint64_t beforeSpecial = (masks.special & (0 - masks.special)) - 1;
+    const std::uint64_t starts =
+        masks.eastAsian | masks.eastAsian << 1 | (masks.letters ^ masks.letters << 1);
+    unsigned at = 0;
+    for (std::uint64_t ends = starts & beforeSpecial & ~std::uint64_t{1}; ends != 0;
+         ends &= ends - 1) {
+        const auto end = static_cast<unsigned>(std::countr_zero(ends));
+        const unsigned notLetter = ~(masks.letters >> at) & 1;
+        const unsigned eastAsian = masks.eastAsian >> at & 1;
+        static_assert(qlnwtWord == 0 && qlnwtSeparator == 2 && qlnwtDBCS == 3);
+        *tokens++ = MakeToken(first + at, first + end,
+                              static_cast<WordTypeEnum>(notLetter * 2 + eastAsian));
+        at = end;
+    }
+    return tokens;
+}
+
 }  // namespace
 
 void WordParser::ParseAll(std::u16string_view text, std::vector<TextToken>& tokens) const {
     CheckTextLength(text);
-    tokens.clear();
+    // What the vector holds already is overwritten, which costs less than to empty and refill it.
+    std::size_t count = 0;
+    WordMasks masks;
+    std::size_t known = 0;  // so many units from `first` on are in the masks
     for (std::size_t first = 0; first < text.size();) {
-        TextToken token;
-        switch (KindOf(text[first])) {
-            case Kind::EastAsian:
-                token = MakeToken(first, first + 1, qlnwtDBCS);
-                break;
-            case Kind::Word:
-                token = MakeToken(first, WordEnd(text, first, langId), qlnwtWord);
-                break;
-            case Kind::Digit:
-                token = MakeToken(first, NumberEnd(separators, text, first), qlnwtDigit);
-                break;
-            case Kind::Separator:
-                token = SeparatorToken(separators, text, first);
-                break;
+        if (known < WordMasks::Units / 2 && text.size() - first >= WordMasks::Units) {
+            masks = FindWordMasks(text.data() + first);
+            known = WordMasks::Units;
         }
-        tokens.push_back(token);
-        first = static_cast<std::size_t>(token.end);
+        const std::size_t room = std::max<std::size_t>(known, 1);
+        if (tokens.size() - count < room) {
+            tokens.resize(std::max(count + room, tokens.size() * 2));
+        }
+        TextToken* const begin = tokens.data() + count;
+        TextToken* end = known > 0 ? FindOrdinaryTokens(masks, first, begin) : begin;
+        if (end == begin) {
+            *end++ = TokenAt(separators, langId, text, first);
+        }
+        count += static_cast<std::size_t>(end - begin);
+        const auto next = static_cast<std::size_t>(end[-1].end);
+        masks.Skip(next - first);
+        known -= std::min(known, next - first);
+        first = next;
     }
+    tokens.resize(count);
 }
 
 }  // namespace generalutilities

@@ -6,29 +6,50 @@
 
 #include <generalutilities/text/words.h>
 
+#include "text/flat_tables.h"
 #include "text/word_scan.h"
 
 #include <algorithm>
+#include <bit>
 
 namespace generalutilities {
 namespace {
 
+constexpr std::uint8_t InWord = charclass::Letter | charclass::Number;
+
+/// The first unit from `i` on that is neither letter nor number. Eight at a time without a branch,
+/// since no processor foresees the lengths of words.
+std::size_t LettersEnd(std::u16string_view text, std::size_t i) {
+    constexpr unsigned Several = 8;
+    for (; i + Several <= text.size(); i += Several) {
+        unsigned in = 0;
+        for (unsigned j = 0; j < Several; ++j) {
+            in |= static_cast<unsigned>((flat::Classes[text[i + j]] & InWord) != 0) << j;
+        }
+        if (const auto count = static_cast<unsigned>(std::countr_one(in)); count < Several) {
+            return i + count;
+        }
+    }
+    while (i < text.size() && (flat::Classes[text[i]] & InWord) != 0) {
+        ++i;
+    }
+    return i;
+}
+
 /// The end of the word at `first`; `first` itself when a lone "&" turns out to start none.
 std::size_t WordEnd(std::u16string_view text, std::size_t first, bool apostropheJoins) {
-    std::size_t i = first + 1;
-    for (; i < text.size(); ++i) {
-        const char16_t unit = text[i];
-        if ((CharClasses(unit) & (charclass::Letter | charclass::Number)) != 0 || unit == u'&') {
-            continue;
+    for (std::size_t i = first + 1;; ++i) {
+        i = LettersEnd(text, i);
+        if (i == text.size()) {
+            return i;
         }
-        if (unit != u'\'') {
+        if (text[i] != u'&' && text[i] != u'\'') {
             return text[first] == u'&' && i == first + 1 ? first : i;
         }
-        if (!apostropheJoins) {
+        if (text[i] == u'\'' && !apostropheJoins) {
             return i + 1;
         }
     }
-    return i;
 }
 
 /// The token at `first` where no word, number or East Asian unit starts: a separator run mostly.
@@ -75,27 +96,28 @@ TextToken SeparatorToken(const NumberSeparators& separators, std::u16string_view
 WordParser::WordParser(std::int32_t id)
     : langId(id), separators(NumberSeparators::OfLanguage(id)) {}
 
-std::optional<TextToken> WordParser::ParseStep(std::u16string_view text,
-                                               std::size_t position) const {
+bool WordParser::FindToken(std::u16string_view text, std::size_t position, TextToken& token) const {
     CheckTextLength(text);
     if (position >= text.size()) {
-        return std::nullopt;
+        return false;
     }
     const char16_t unit = text[position];
-    const std::uint8_t classes = CharClasses(unit);
+    const std::uint8_t classes = flat::Classes[unit];
     if ((classes & charclass::EastAsian) != 0) {
-        return MakeToken(position, position + 1, qlnwtDBCS);
+        token = MakeToken(position, position + 1, qlnwtDBCS);
+        return true;
     }
     if ((classes & charclass::Letter) != 0 || unit == u'&') {
         const std::size_t end = WordEnd(text, position, langId == 1033);
         if (end != position) {
-            return MakeToken(position, end, qlnwtWord);
+            token = MakeToken(position, end, qlnwtWord);
+            return true;
         }
     }
-    if ((classes & charclass::Number) != 0) {
-        return MakeToken(position, NumberEnd(separators, text, position), qlnwtDigit);
-    }
-    return SeparatorToken(separators, text, position);
+    token = (classes & charclass::Number) != 0
+                ? MakeToken(position, NumberEnd(separators, text, position), qlnwtDigit)
+                : SeparatorToken(separators, text, position);
+    return true;
 }
 
 }  // namespace generalutilities

@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 /// Words, numbers, separators and index keys of running text in any script.
@@ -53,14 +54,26 @@ class WordParser {
   public:
     explicit WordParser(std::int32_t langId);
 
+    std::int32_t Language() const { return langId; }
+
     /// The token that starts at the 0-based index `position`; nothing when `position` is at or
     /// behind the end of the text. The next token starts at the `end` of this one.
-    std::optional<TextToken> ParseStep(std::u16string_view text, std::size_t position) const;
+    std::optional<TextToken> ParseStep(std::u16string_view text, std::size_t position) const {
+        std::optional<TextToken> token(std::in_place);
+        if (!FindToken(text, position, *token)) {
+            token.reset();
+        }
+        return token;
+    }
 
     /// All tokens of a text, in order, appended to nothing: `tokens` is emptied first.
     void ParseAll(std::u16string_view text, std::vector<TextToken>& tokens) const;
 
   private:
+    /// What ParseStep is made of. The token is written where the caller reads it: copied in pieces
+    /// of another size than it was written in, it would be the slowest part of the work.
+    bool FindToken(std::u16string_view text, std::size_t position, TextToken& token) const;
+
     std::int32_t langId;
     NumberSeparators separators;
 };

@@ -22,6 +22,15 @@ char* BlockOf(BSTR string) {
     return reinterpret_cast<char*>(string) - HeaderSize;
 }
 
+std::uint32_t ByteLength(BSTR string) {
+    if (string == nullptr) {
+        return 0;
+    }
+    std::uint32_t bytes;
+    std::memcpy(&bytes, BlockOf(string) + 4, sizeof bytes);
+    return bytes;
+}
+
 void SetByteLength(char* block, std::uint32_t bytes) {
     std::memcpy(block + 4, &bytes, sizeof bytes);
     // Two zero bytes end the text; for an odd byte length a third keeps the last unit whole.
@@ -108,16 +117,11 @@ void SysFreeString(BSTR string) noexcept {
 }
 
 std::uint32_t SysStringLen(BSTR string) noexcept {
-    return SysStringByteLen(string) / 2;
+    return ByteLength(string) / 2;
 }
 
 std::uint32_t SysStringByteLen(BSTR string) noexcept {
-    if (string == nullptr) {
-        return 0;
-    }
-    std::uint32_t bytes;
-    std::memcpy(&bytes, BlockOf(string) + 4, sizeof bytes);
-    return bytes;
+    return ByteLength(string);
 }
 
 void* CoTaskMemAlloc(std::size_t size) noexcept {
