@@ -1,6 +1,8 @@
 #include <generalutilities/text/search.h>
 
 #include "case_table.h"
+#include "text/cpu.h"
+#include "text/search_forms.h"
 #include "textbook.h"
 
 #include <map>
@@ -51,19 +53,46 @@ TEST(FindText, AgreesWithTheTextbook) {
             }
             return text;
         };
-        const std::u16string text = make(random() % 150);
+        std::u16string text = make(random() % 150);
         std::u16string sought = make(random() % 7);
         if (!text.empty() && random() % 2 == 0) {
             sought = text.substr(random() % text.size(), random() % 60);
         }
+        if (round % 200 == 0) {  // so repetitive that comparing place by place is given up
+            const std::u16string period = make(1 + random() % 3);
+            while (text.size() < 3000) {
+                text += random() % 50 == 0 ? make(1) : period;
+            }
+            sought = text.substr(random() % 2900, 100) + make(random() % 2);
+        }
         for (const SearchOptions options : {Folded, Exact, Word, ExactWord}) {
             const std::size_t start = random() % 4 == 0 ? random() % (text.size() + 2) : 0;
-            ASSERT_EQ(FindText(text, sought, start, options),
-                      textbook::Find(text, sought, start, options))
-                << testing::PrintToString(text) << " in which " << testing::PrintToString(sought)
-                << " from " << start << " " << options.matchCase << options.wholeWord;
+            const auto expected = textbook::Find(text, sought, start, options);
+            for (const bool vectors : {false, HasAvx2()}) {
+                ASSERT_EQ(FindText(text, sought, start, options, vectors), expected)
+                    << testing::PrintToString(text) << " in which "
+                    << testing::PrintToString(sought) << " from " << start << " "
+                    << options.matchCase << options.wholeWord << vectors;
+            }
         }
     }
+}
+
+/// Each takes hours when the time is the product of the lengths.
+TEST(FindText, TakesHostileTextsInOnePass) {
+    constexpr std::size_t Size = 3'000'000;
+    const std::u16string text = std::u16string(Size, u'a') + u"\u00DF";
+    const std::u16string most(Size / 2, u'a');
+    for (const SearchOptions options : {Folded, Exact, Word, ExactWord}) {
+        EXPECT_EQ(FindText(text, most + u"b" + most.substr(1), 0, options), std::nullopt);
+        EXPECT_EQ(FindText(text, u"b" + most, 0, options), std::nullopt);
+        EXPECT_EQ(FindText(text, most, 1, options),
+                  options.wholeWord ? std::nullopt : std::optional(TextMatch{1, Size / 2}));
+        EXPECT_EQ(
+            FindText(text, most + u"\u00DF", 0, options),
+            options.wholeWord ? std::nullopt : std::optional(TextMatch{Size / 2, Size / 2 + 1}));
+    }
+    EXPECT_EQ(FindText(text, most + u"SS", 0, Folded), (TextMatch{Size / 2, Size / 2 + 1}));
 }
 
 }  // namespace
