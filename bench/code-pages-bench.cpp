@@ -1,10 +1,12 @@
 // Conversion between code pages and UTF-16, beside ICU and iconv. Each piece of work is measured
 // against either; all three write into room that is there, with a converter that is open. The limit
-// is a copy of the longer side.
+// is a copy of the longer side. Texts are words in random order, the ideographs 3,000 or so
+// different ones.
 
 #include <generalutilities/code_pages.h>
 
 #include "ratios.h"
+#include "sample_texts.h"
 
 #include <cstring>
 #include <iconv.h>
@@ -19,41 +21,57 @@ struct Page {
     std::uint32_t number;
     const char* icu;
     const char* iconv;
-    const char* name;
-    std::u16string_view sample;
+    bench::Script script;
+    bool ideographs = false;  ///< half of the text
 };
 
-// Sentences as texts have them, with blanks and full stops; for 1252 and 950 two mixtures.
+constexpr bench::Script French = {
+    "French",
+    u"L’élève a cessé d’être à l’aise dès qu’on "
+    u"l’a noté. Certains projets sont très petits, d’autres ont un million de "
+    u"lignes; la mémoire garde chaque segment vu par le réviseur — même en "
+    u"février."};
+constexpr bench::Script Japanese = {"Japanese",
+                                    u"語彙はすべての 単語を含む。 "
+                                    u"テストと ｶﾅ。 翻訳メモリは"};
+constexpr bench::Script Korean = {"Korean",
+                                  u"사전에는 그 언어의 모든 단어가 "
+                                  u"들어 있다. 번역 메모리"};
+constexpr bench::Script Chinese = {"Chinese", u"文字， 句子。 所有的 一"};
+constexpr bench::Script Technical = {"Chinese with ASCII",
+                                     u"HTML 文字 (dictionary) 句子。 2000 所有的 page"};
+
 constexpr Page Pages[] = {
-    {1252, "windows-1252", "CP1252", "1252 ASCII",
-     u"The conversion of a plain sentence should cost no more than a copy of its bytes does. "},
-    {1252, "windows-1252", "CP1252", "1252 French",
-     u"L\u2019\u00E9l\u00E8ve a cess\u00E9 d\u2019\u00EAtre \u00E0 l\u2019aise d\u00E8s "
-     u"qu\u2019on l\u2019a not\u00E9. "},
-    {1251, "windows-1251", "CP1251", "1251 Cyrillic",
-     u"\u0421\u043B\u043E\u0432\u0430\u0440\u044C \u0441\u043E\u0434\u0435\u0440\u0436\u0438\u0442 "
-     u"\u0432\u0441\u0435 \u0441\u043B\u043E\u0432\u0430 \u044F\u0437\u044B\u043A\u0430. "},
-    {932, "windows-932", "CP932", "932",
-     u"\u8A9E\u5F59\u306F\u3059\u3079\u3066\u306E\u5358\u8A9E\u3092\u542B\u3080\u3002"
-     u"\u30C6\u30B9\u30C8\u3068\uFF76\uFF85\u3002"},
-    {936, "windows-936", "CP936", "936",
-     u"\u8BCD\u5178\u5305\u542B\u8FD9\u79CD\u8BED\u8A00\u7684\u6240\u6709\u8BCD\u8BED\u3002"},
-    {949, "windows-949", "UHC", "949",
-     u"\uC0AC\uC804\uC5D0\uB294 \uADF8 \uC5B8\uC5B4\uC758 \uBAA8\uB4E0 \uB2E8\uC5B4\uAC00 "
-     u"\uB4E4\uC5B4 \uC788\uB2E4. "},
-    {950, "windows-950", "CP950", "950",
-     u"\u8FAD\u5178\u5305\u542B\u9019\u7A2E\u8A9E\u8A00\u7684\u6240\u6709\u8A5E\u8A9E\u3002"},
-    {950, "windows-950", "CP950", "950 mixed",
-     u"HTML \u8FAD\u5178 (dictionary) \u5305\u542B 2000 \u8A5E\u8A9E\u3002 "},
+    {1252, "windows-1252", "CP1252", bench::Ascii},
+    {1252, "windows-1252", "CP1252", French},
+    {1251, "windows-1251", "CP1251", bench::Cyrillic},
+    {1253, "windows-1253", "CP1253", bench::Greek},
+    {932, "windows-932", "CP932", Japanese, true},
+    {936, "windows-936", "CP936", Chinese, true},
+    {949, "windows-949", "UHC", Korean},
+    {950, "windows-950", "CP950", Chinese, true},
+    {950, "windows-950", "CP950", Technical},
 };
+
+/// A text that the page holds, so that no peer stops.
+std::u16string TextFor(const Page& page, std::size_t length, CodePageConverter& converter) {
+    std::u16string text;
+    const std::u16string words = bench::TextMaker(length * 2).Words({page.script});
+    const std::u16string ideographs = bench::TextMaker(length * 2).Ideographs();
+    for (std::size_t i = 0; text.size() < length; ++i) {
+        const bool fromIdeographs = page.ideographs && i / 8 % 2 == 0;
+        const char16_t unit = (fromIdeographs ? ideographs : words)[i % words.size()];
+        if (converter.FindForeignUnit({&unit, 1}) == CodePageConverter::NotFound) {
+            text += unit;
+        }
+    }
+    return text;
+}
 
 /// One text in both forms, with room for either, and the three converters.
 struct Work {
     explicit Work(const Page& page, std::size_t length) : converter(OpenCodePage(page.number)) {
-        while (text.size() < length) {
-            text += page.sample;
-        }
-        text.resize(length);
+        text = TextFor(page, length, *converter);
         bytes.resize(converter->MeasureBytes(text));
         converter->ToBytes(text, bytes.data());
         unitRoom.resize(text.size());
@@ -138,10 +156,11 @@ std::vector<bench::Goal> RegisterAll() {
         for (const Page& page : Pages) {
             const auto work = std::make_shared<Work>(page, length);
             const bool single = page.number > 1000;
-            const bool ascii = single && work->text[0] < 0x80 && page.name[5] == 'A';
+            const bool ascii = page.script.name == bench::Ascii.name;
             const auto add = [&](const std::string& what, const char* peer, double goal,
                                  void (*ours)(Work&), void (*theirs)(Work&)) {
-                const std::string name = std::string(page.name) + ", " + what +
+                const std::string name = std::to_string(page.number) + " " +
+                                         std::string(page.script.name) + ", " + what +
                                          (length == 4096 ? ", 4 K, " : ", 1 M, ") + peer;
                 Measure(name + "/ours", work, ours);
                 Measure(name + "/peer", work, theirs);

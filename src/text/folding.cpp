@@ -2,7 +2,7 @@
 
 #include <generalutilities/text/folding.h>
 
-#include "text/cpu.h"
+#include "platform/cpu.h"
 #include "text/folding_rules.h"
 
 namespace generalutilities {

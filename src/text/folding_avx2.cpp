@@ -12,7 +12,7 @@
 // way only. (Gathering table entries with vectors would be faster than the last way on some
 // processors; on those whose microcode guards gathers it is many times slower.)
 
-#include "text/cpu.h"
+#include "platform/cpu.h"
 #include "text/folding_rules.h"
 
 #ifdef GENERALUTILITIES_AVX2

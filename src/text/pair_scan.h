@@ -1,6 +1,6 @@
 #pragma once
 
-#include "text/cpu.h"
+#include "platform/cpu.h"
 
 #include <bit>
 #include <cstddef>

@@ -1,6 +1,6 @@
 #include "text/word_masks.h"
 
-#include "text/cpu.h"
+#include "platform/cpu.h"
 #include "text/flat_tables.h"
 
 namespace generalutilities {

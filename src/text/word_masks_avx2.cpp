@@ -1,7 +1,7 @@
 // The kinds of 32 code units at a time, as bytes whose uppermost bits make the masks. ASCII is
 // looked up in registers, everything else in the flat table.
 
-#include "text/cpu.h"
+#include "platform/cpu.h"
 #include "text/flat_tables.h"
 #include "text/word_masks.h"
 

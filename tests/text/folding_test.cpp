@@ -1,6 +1,6 @@
 #include <generalutilities/text/folding.h>
 
-#include "text/cpu.h"
+#include "platform/cpu.h"
 #include "text/fold_into.h"
 
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 #include <generalutilities/text/search.h>
 
 #include "case_table.h"
-#include "text/cpu.h"
+#include "platform/cpu.h"
 #include "text/search_forms.h"
 #include "textbook.h"
 

@@ -4,7 +4,7 @@
 
 #include <generalutilities/text/words.h>
 
-#include "text/cpu.h"
+#include "platform/cpu.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>

@@ -1,9 +1,11 @@
 #include "platform/code_pages/ascii_blocks.h"
 
+#include "platform/cpu.h"
+
 #include <cstdint>
 #include <cstring>
 
-#if defined(__x86_64__)
+#ifdef GENERALUTILITIES_AVX2
 #include <immintrin.h>
 #endif
 
@@ -43,11 +45,11 @@ std::size_t CopyPlain(const From* from, std::size_t length, To* to) {
     return i;
 }
 
-#if defined(__x86_64__)
+#ifdef GENERALUTILITIES_AVX2
 // Four blocks at a step while they last, then one by one.
 
-__attribute__((target("avx2"))) std::size_t WidenAvx2(const char* bytes, std::size_t length,
-                                                      char16_t* units) {
+GENERALUTILITIES_AVX2 std::size_t WidenAvx2(const char* bytes, std::size_t length,
+                                            char16_t* units) {
     std::size_t i = 0;
     for (; i + 64 <= length; i += 64) {
         const auto* from = reinterpret_cast<const __m256i*>(bytes + i);
@@ -72,8 +74,8 @@ __attribute__((target("avx2"))) std::size_t WidenAvx2(const char* bytes, std::si
     return i;
 }
 
-__attribute__((target("avx2"))) std::size_t NarrowAvx2(const char16_t* units, std::size_t length,
-                                                       char* bytes) {
+GENERALUTILITIES_AVX2 std::size_t NarrowAvx2(const char16_t* units, std::size_t length,
+                                             char* bytes) {
     const __m256i notAscii = _mm256_set1_epi16(static_cast<short>(0xFF80));
     std::size_t i = 0;
     for (; i + 64 <= length; i += 64) {
@@ -101,15 +103,13 @@ __attribute__((target("avx2"))) std::size_t NarrowAvx2(const char16_t* units, st
     }
     return i;
 }
-
-const bool hasAvx2 = __builtin_cpu_supports("avx2") != 0;
 #endif
 
 }  // namespace
 
 std::size_t WidenAscii(const char* bytes, std::size_t length, char16_t* units) {
-#if defined(__x86_64__)
-    if (hasAvx2) {
+#ifdef GENERALUTILITIES_AVX2
+    if (HasAvx2()) {
         return WidenAvx2(bytes, length, units);
     }
 #endif
@@ -117,8 +117,8 @@ std::size_t WidenAscii(const char* bytes, std::size_t length, char16_t* units) {
 }
 
 std::size_t NarrowAscii(const char16_t* units, std::size_t length, char* bytes) {
-#if defined(__x86_64__)
-    if (hasAvx2) {
+#ifdef GENERALUTILITIES_AVX2
+    if (HasAvx2()) {
         return NarrowAvx2(units, length, bytes);
     }
 #endif

@@ -1,9 +1,11 @@
 #include "platform/code_pages/row_tables.h"
 
+#include "platform/cpu.h"
+
 #include <algorithm>
 #include <bit>
 
-#if defined(__x86_64__)
+#ifdef GENERALUTILITIES_AVX2
 #include <immintrin.h>
 #endif
 
@@ -65,16 +67,14 @@ CharacterRows::CharacterRows(std::uint8_t upperHalf, std::span<const unsigned ch
     }
 }
 
-#if defined(__x86_64__)
+#ifdef GENERALUTILITIES_AVX2
 namespace {
 
 constexpr std::size_t Block = 32;
 /// With more exceptions than this in a block, looking all of it up is cheaper.
 constexpr int MaxPatches = 10;
 
-const bool hasAvx2 = __builtin_cpu_supports("avx2") != 0;
-
-__attribute__((target("avx2"))) __m256i Load16(const std::array<std::uint8_t, 16>& table) {
+GENERALUTILITIES_AVX2 __m256i Load16(const std::array<std::uint8_t, 16>& table) {
     return _mm256_broadcastsi128_si256(
         _mm_load_si128(reinterpret_cast<const __m128i*>(table.data())));
 }
@@ -94,10 +94,9 @@ void Patch(std::uint32_t missing, const Entry* table, const From* from, To* to) 
     }
 }
 
-__attribute__((target("avx2"))) std::size_t DecodeAvx2(const ByteRows& rows,
-                                                       const char16_t* characters,
-                                                       const char* bytes, std::size_t length,
-                                                       char16_t* units) {
+GENERALUTILITIES_AVX2 std::size_t DecodeAvx2(const ByteRows& rows, const char16_t* characters,
+                                             const char* bytes, std::size_t length,
+                                             char16_t* units) {
     const __m256i low = Load16(rows.low);
     const __m256i high = Load16(rows.high);
     const __m256i scattered = Load16(rows.scattered);
@@ -139,11 +138,10 @@ __attribute__((target("avx2"))) std::size_t DecodeAvx2(const ByteRows& rows,
     return i;
 }
 
-__attribute__((target("avx2"))) std::size_t EncodeAvx2(const CharacterRows& first,
-                                                       const CharacterRows& second,
-                                                       const unsigned char* byteOf,
-                                                       const char16_t* units, std::size_t length,
-                                                       char* bytes) {
+GENERALUTILITIES_AVX2 std::size_t EncodeAvx2(const CharacterRows& first,
+                                             const CharacterRows& second,
+                                             const unsigned char* byteOf, const char16_t* units,
+                                             std::size_t length, char* bytes) {
     const __m256i firstBase = Load16(first.base);
     const __m256i firstRow = Load16(first.row);
     const __m256i firstMembers = Load16(first.members);
@@ -195,8 +193,8 @@ std::size_t DecodeByRows([[maybe_unused]] const ByteRows& rows,
                          [[maybe_unused]] const std::array<char16_t, 256>& characters,
                          [[maybe_unused]] const char* bytes, [[maybe_unused]] std::size_t length,
                          [[maybe_unused]] char16_t* units) {
-#if defined(__x86_64__)
-    if (hasAvx2) {
+#ifdef GENERALUTILITIES_AVX2
+    if (HasAvx2()) {
         return DecodeAvx2(rows, characters.data(), bytes, length, units);
     }
 #endif
@@ -208,8 +206,8 @@ std::size_t EncodeByRows([[maybe_unused]] const CharacterRows& first,
                          [[maybe_unused]] const unsigned char* byteOf,
                          [[maybe_unused]] const char16_t* units,
                          [[maybe_unused]] std::size_t length, [[maybe_unused]] char* bytes) {
-#if defined(__x86_64__)
-    if (hasAvx2) {
+#ifdef GENERALUTILITIES_AVX2
+    if (HasAvx2()) {
         return EncodeAvx2(first, second, byteOf, units, length, bytes);
     }
 #endif
