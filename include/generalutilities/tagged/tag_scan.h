@@ -1,0 +1,71 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// Inline tags of segment text.
+///
+/// Every `<` opens a tag; a literal one has to be written as an entity, and entities are plain text
+/// here. The name of a tag runs to the first space or `>`, and the tag to the first `>` from there
+/// on, also inside quotes. A tag named "ut", in either case, is a code element: it runs through the
+/// first `>` behind the next "</ut", and nothing in it is looked at. docs/inline-codes.md shows it
+/// all with examples.
+namespace generalutilities {
+
+/// A text cut into plain runs and whole tags. One run more than tags: the text is texts[0],
+/// tags[0], texts[1], ..., the last of `texts`; runs may be empty. The views point into the text
+/// that was scanned.
+struct TagScan {
+    std::vector<std::u16string_view> texts;
+    std::vector<std::u16string_view> tags;
+};
+
+/// Why a text cannot be cut.
+struct TagFault {
+    enum class Kind {
+        CodeElementNotClosed,  ///< there is no "</ut" behind a tag named "ut"
+        TagNotClosed,          ///< the name of a tag has ended, and there is no `>` from there on
+    };
+    Kind kind;
+    std::size_t position;  ///< of the tag's `<`, in code units from 0
+
+    /// In English, as components report it.
+    const char* Words() const;
+};
+
+/// Goes from tag to tag without storing anything.
+class TagCursor {
+  public:
+    explicit TagCursor(std::u16string_view scanned) : text(scanned) {}
+
+    /// Finds the next tag. False at the end of the text, where the last plain run ends, and at a
+    /// fault. A `<` with neither a space nor a `>` behind it is no tag and no fault.
+    bool Next();
+    /// After `Next` gave true.
+    std::u16string_view Tag() const { return text.substr(tagStart, end - tagStart); }
+    /// The plain run in front of the tag, or the last one.
+    std::u16string_view Run() const { return text.substr(runStart, tagStart - runStart); }
+    /// After `Next` gave false.
+    const std::optional<TagFault>& Fault() const { return fault; }
+
+  private:
+    bool Fail(TagFault::Kind kind);
+
+    std::u16string_view text;
+    std::size_t runStart = 0;
+    std::size_t tagStart = 0;
+    std::size_t end = 0;  ///< behind the tag
+    std::optional<TagFault> fault;
+};
+
+/// Cuts a text; at a fault `scan` holds what stands in front of it. Linear in the text. Throws
+/// `std::bad_alloc`.
+std::optional<TagFault> ScanTags(std::u16string_view text, TagScan& scan);
+
+/// Puts a scan together again.
+std::u16string JoinTagScan(const TagScan& scan);
+
+}  // namespace generalutilities
