@@ -11,26 +11,51 @@
 
 namespace generalutilities::code_pages {
 
+bool Places::Enter(std::size_t index, std::uint16_t places) {
+    if (places == Whole) {
+        row[index] = WholeRow;
+        return true;
+    }
+    if (places == 0 || nextBit == 0) {
+        return false;
+    }
+    row[index] = nextBit;
+    for (std::size_t i = 0; i < 16; ++i) {
+        members[i] = static_cast<std::uint8_t>(members[i] | ((places >> i & 1) * nextBit));
+    }
+    nextBit = static_cast<std::uint8_t>(nextBit << 1);
+    return true;
+}
+
 ByteRows::ByteRows(const std::array<char16_t, 256>& characters) {
-    auto* nextTold = told.begin();
-    for (std::size_t row = 0; row < 16; ++row) {
-        const char16_t first = characters[row * 16];
-        bool isRow = first % 16 == 0;
+    auto* next = scattered.begin();
+    for (std::size_t index = 0; index < 16; ++index) {
+        const char16_t* const own = characters.data() + index * 16;
+        // Where the row would begin if it is one, by the most frequent answer of its characters.
+        std::array<std::uint16_t, 16> found{};
         for (std::size_t i = 0; i < 16; ++i) {
-            isRow = isRow && characters[row * 16 + i] == first + i;
-        }
-        low[row] = static_cast<std::uint8_t>(isRow ? first & 0xFF : 0);
-        high[row] = static_cast<std::uint8_t>(isRow ? first >> 8 : 0);
-        scattered[row] = isRow ? 0 : 0xFF;
-        if (!isRow && nextTold != told.end()) {
-            nextTold->first = static_cast<std::uint8_t>(row * 16);
-            for (std::size_t i = 0; i < 16; ++i) {
-                const char16_t character = characters[row * 16 + i];
-                nextTold->low[i] = static_cast<std::uint8_t>((character & 0xFF) ^ i);
-                nextTold->high[i] = static_cast<std::uint8_t>(character >> 8);
+            for (std::size_t k = 0; k < 16; ++k) {
+                const bool together =
+                    own[k] % 16 == k && own[i] % 16 == i && own[i] - i == own[k] - k;
+                found[i] = static_cast<std::uint16_t>(found[i] | (together ? 1U << k : 0));
             }
-            scattered[row] = 0;
-            ++nextTold;
+        }
+        const auto best = std::ranges::max_element(
+            found, {}, [](std::uint16_t places16) { return std::popcount(places16); });
+        const auto member = static_cast<std::size_t>(best - found.begin());
+        const int count = std::popcount(*best);
+        if (count < 8 && next != scattered.end()) {
+            next->first = static_cast<std::uint8_t>(index * 16);
+            for (std::size_t i = 0; i < 16; ++i) {
+                next->low[i] = static_cast<std::uint8_t>((own[i] & 0xFF) ^ i);
+                next->high[i] = static_cast<std::uint8_t>(own[i] >> 8);
+            }
+            places.Enter(index, Places::Whole);
+            ++next;
+        } else if (places.Enter(index, *best)) {
+            const std::size_t first = own[member] - member;
+            low[index] = static_cast<std::uint8_t>(first & 0xFF);
+            high[index] = static_cast<std::uint8_t>(first >> 8);
         }
     }
 }
@@ -38,32 +63,35 @@ ByteRows::ByteRows(const std::array<char16_t, 256>& characters) {
 CharacterRows::CharacterRows(std::uint8_t upperHalf, std::span<const unsigned char> bytes,
                              const std::array<char16_t, 256>& characters)
     : upper(upperHalf) {
-    constexpr std::uint8_t WholeRow = 1;
-    members.fill(WholeRow);
-    std::uint8_t nextBit = WholeRow << 1;
-    for (unsigned index = 0; index < 16; ++index) {
-        const unsigned first = upperHalf * 256U + index * 16;
+    for (std::size_t index = 0; index < 16; ++index) {
+        const std::size_t first = upperHalf * std::size_t{256} + index * 16;
         // The members by the row of bytes that they become; the row that has most of them counts.
         std::array<std::uint16_t, 16> found{};
-        for (unsigned i = 0; i < 16; ++i) {
+        for (std::size_t i = 0; i < 16; ++i) {
             const unsigned char byte = bytes[first + i];
             if (byte % 16 == i && characters[byte] == first + i) {
                 found[byte / 16] = static_cast<std::uint16_t>(found[byte / 16] | 1U << i);
             }
         }
         const auto best = std::ranges::max_element(
-            found, {}, [](std::uint16_t row16) { return std::popcount(row16); });
-        const bool isWhole = *best == 0xFFFF;
-        if (*best == 0 || (!isWhole && nextBit == 0)) {
-            continue;
+            found, {}, [](std::uint16_t places16) { return std::popcount(places16); });
+        if (places.Enter(index, *best)) {
+            count += std::popcount(*best);
+            base[index] = static_cast<std::uint8_t>((best - found.begin()) * 16);
         }
-        count += std::popcount(*best);
-        base[index] = static_cast<std::uint8_t>((best - found.begin()) * 16);
-        row[index] = isWhole ? WholeRow : nextBit;
-        for (unsigned i = 0; i < 16 && !isWhole; ++i) {
-            members[i] = static_cast<std::uint8_t>(members[i] | ((*best >> i & 1U) * nextBit));
+    }
+}
+
+PunctuationRows::PunctuationRows(std::span<const unsigned char> bytes,
+                                 const std::array<char16_t, 256>& characters) {
+    for (std::size_t index = 0; index < rows.size(); ++index) {
+        rows[index].first = static_cast<std::uint8_t>(0x10 + index * 16);
+        for (std::size_t i = 0; i < 16; ++i) {
+            const std::size_t unit = Upper * std::size_t{256} + rows[index].first + i;
+            if (characters[bytes[unit]] == unit) {
+                rows[index].low[i] = static_cast<std::uint8_t>(bytes[unit] ^ i);
+            }
         }
-        nextBit = static_cast<std::uint8_t>(isWhole ? nextBit : nextBit << 1);
     }
 }
 
@@ -99,13 +127,14 @@ GENERALUTILITIES_AVX2 std::size_t DecodeAvx2(const ByteRows& rows, const char16_
                                              char16_t* units) {
     const __m256i low = Load16(rows.low);
     const __m256i high = Load16(rows.high);
-    const __m256i scattered = Load16(rows.scattered);
-    const __m256i firstTold = _mm256_set1_epi8(static_cast<char>(rows.told[0].first));
-    const __m256i firstLow = Load16(rows.told[0].low);
-    const __m256i firstHigh = Load16(rows.told[0].high);
-    const __m256i secondTold = _mm256_set1_epi8(static_cast<char>(rows.told[1].first));
-    const __m256i secondLow = Load16(rows.told[1].low);
-    const __m256i secondHigh = Load16(rows.told[1].high);
+    const __m256i rowBits = Load16(rows.places.row);
+    const __m256i memberBits = Load16(rows.places.members);
+    const __m256i firstPlace = _mm256_set1_epi8(static_cast<char>(rows.scattered[0].first));
+    const __m256i firstLow = Load16(rows.scattered[0].low);
+    const __m256i firstHigh = Load16(rows.scattered[0].high);
+    const __m256i secondPlace = _mm256_set1_epi8(static_cast<char>(rows.scattered[1].first));
+    const __m256i secondLow = Load16(rows.scattered[1].low);
+    const __m256i secondHigh = Load16(rows.scattered[1].high);
     const __m256i digit = _mm256_set1_epi8(0xF);
     const __m256i toSign = _mm256_set1_epi8(0x70);
     std::size_t i = 0;
@@ -114,12 +143,12 @@ GENERALUTILITIES_AVX2 std::size_t DecodeAvx2(const ByteRows& rows, const char16_
         const __m256i block = _mm256_permute4x64_epi64(
             _mm256_loadu_si256(reinterpret_cast<const __m256i*>(bytes + i)), 0xD8);
         const __m256i row = _mm256_and_si256(_mm256_srli_epi16(block, 4), digit);
-        __m256i lower =
-            _mm256_or_si256(_mm256_shuffle_epi8(low, row), _mm256_and_si256(block, digit));
+        const __m256i column = _mm256_and_si256(block, digit);
+        __m256i lower = _mm256_or_si256(_mm256_shuffle_epi8(low, row), column);
         __m256i upper = _mm256_shuffle_epi8(high, row);
         // Outside its row a byte gets its highest bit here, for which shuffling gives 0.
-        const __m256i inFirst = _mm256_adds_epu8(_mm256_xor_si256(block, firstTold), toSign);
-        const __m256i inSecond = _mm256_adds_epu8(_mm256_xor_si256(block, secondTold), toSign);
+        const __m256i inFirst = _mm256_adds_epu8(_mm256_xor_si256(block, firstPlace), toSign);
+        const __m256i inSecond = _mm256_adds_epu8(_mm256_xor_si256(block, secondPlace), toSign);
         lower = _mm256_xor_si256(lower, _mm256_xor_si256(_mm256_shuffle_epi8(firstLow, inFirst),
                                                          _mm256_shuffle_epi8(secondLow, inSecond)));
         upper =
@@ -128,7 +157,9 @@ GENERALUTILITIES_AVX2 std::size_t DecodeAvx2(const ByteRows& rows, const char16_
         auto* const to = reinterpret_cast<__m256i*>(units + i);
         _mm256_storeu_si256(to, _mm256_unpacklo_epi8(lower, upper));
         _mm256_storeu_si256(to + 1, _mm256_unpackhi_epi8(lower, upper));
-        const __m256i missing = _mm256_shuffle_epi8(scattered, row);
+        const __m256i told = _mm256_and_si256(_mm256_shuffle_epi8(rowBits, row),
+                                              _mm256_shuffle_epi8(memberBits, column));
+        const __m256i missing = _mm256_cmpeq_epi8(told, _mm256_setzero_si256());
         if (_mm256_testz_si256(missing, missing) == 0) {
             const __m256i inOrder = _mm256_permute4x64_epi64(missing, 0xD8);
             Patch(static_cast<std::uint32_t>(_mm256_movemask_epi8(inOrder)), characters,
@@ -140,18 +171,25 @@ GENERALUTILITIES_AVX2 std::size_t DecodeAvx2(const ByteRows& rows, const char16_
 
 GENERALUTILITIES_AVX2 std::size_t EncodeAvx2(const CharacterRows& first,
                                              const CharacterRows& second,
+                                             const PunctuationRows& punctuation,
                                              const unsigned char* byteOf, const char16_t* units,
                                              std::size_t length, char* bytes) {
     const __m256i firstBase = Load16(first.base);
-    const __m256i firstRow = Load16(first.row);
-    const __m256i firstMembers = Load16(first.members);
+    const __m256i firstRow = Load16(first.places.row);
+    const __m256i firstMembers = Load16(first.places.members);
     const __m256i firstUpper = _mm256_set1_epi8(static_cast<char>(first.upper));
     const __m256i secondBase = Load16(second.base);
-    const __m256i secondRow = Load16(second.row);
-    const __m256i secondMembers = Load16(second.members);
+    const __m256i secondRow = Load16(second.places.row);
+    const __m256i secondMembers = Load16(second.places.members);
     const __m256i secondUpper = _mm256_set1_epi8(static_cast<char>(second.upper));
     const __m256i digit = _mm256_set1_epi8(0xF);
     const __m256i lowerHalf = _mm256_set1_epi16(0xFF);
+    const __m256i marksUpper = _mm256_set1_epi8(PunctuationRows::Upper);
+    const __m256i marks0 = Load16(punctuation.rows[0].low);
+    const __m256i marks1 = Load16(punctuation.rows[1].low);
+    const __m256i place0 = _mm256_set1_epi8(static_cast<char>(punctuation.rows[0].first));
+    const __m256i place1 = _mm256_set1_epi8(static_cast<char>(punctuation.rows[1].first));
+    const __m256i toSign = _mm256_set1_epi8(0x70);
     std::size_t i = 0;
     for (; i + Block <= length; i += Block) {
         const auto* const from = reinterpret_cast<const __m256i*>(units + i);
@@ -173,10 +211,18 @@ GENERALUTILITIES_AVX2 std::size_t EncodeAvx2(const CharacterRows& first,
         const __m256i base =
             _mm256_or_si256(_mm256_and_si256(isFirst, _mm256_shuffle_epi8(firstBase, row)),
                             _mm256_and_si256(isSecond, _mm256_shuffle_epi8(secondBase, row)));
+        // Outside its row a character gets the highest bit here, for which shuffling gives 0.
+        const __m256i in0 = _mm256_adds_epu8(_mm256_xor_si256(lower, place0), toSign);
+        const __m256i in1 = _mm256_adds_epu8(_mm256_xor_si256(lower, place1), toSign);
+        const __m256i mark = _mm256_and_si256(
+            _mm256_cmpeq_epi8(upper, marksUpper),
+            _mm256_xor_si256(_mm256_shuffle_epi8(marks0, in0), _mm256_shuffle_epi8(marks1, in1)));
+        const __m256i out = _mm256_xor_si256(_mm256_or_si256(base, column), mark);
         // Packing went by halves of the registers; the middle quarters change back.
         _mm256_storeu_si256(reinterpret_cast<__m256i*>(bytes + i),
-                            _mm256_permute4x64_epi64(_mm256_or_si256(base, column), 0xD8));
-        const __m256i missing = _mm256_cmpeq_epi8(told, _mm256_setzero_si256());
+                            _mm256_permute4x64_epi64(out, 0xD8));
+        const __m256i missing =
+            _mm256_cmpeq_epi8(_mm256_or_si256(told, mark), _mm256_setzero_si256());
         if (_mm256_testz_si256(missing, missing) == 0) {
             const __m256i inOrder = _mm256_permute4x64_epi64(missing, 0xD8);
             Patch(static_cast<std::uint32_t>(_mm256_movemask_epi8(inOrder)), byteOf, units + i,
@@ -203,12 +249,13 @@ std::size_t DecodeByRows([[maybe_unused]] const ByteRows& rows,
 
 std::size_t EncodeByRows([[maybe_unused]] const CharacterRows& first,
                          [[maybe_unused]] const CharacterRows& second,
+                         [[maybe_unused]] const PunctuationRows& punctuation,
                          [[maybe_unused]] const unsigned char* byteOf,
                          [[maybe_unused]] const char16_t* units,
                          [[maybe_unused]] std::size_t length, [[maybe_unused]] char* bytes) {
 #ifdef GENERALUTILITIES_AVX2
     if (HasAvx2()) {
-        return EncodeAvx2(first, second, byteOf, units, length, bytes);
+        return EncodeAvx2(first, second, punctuation, byteOf, units, length, bytes);
     }
 #endif
     return 0;

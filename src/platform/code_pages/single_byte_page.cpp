@@ -44,12 +44,13 @@ bool HoldsAscii(const std::array<char16_t, 256>& characters) {
     return true;
 }
 
-/// Of the upper halves but 0 the one of which most characters lie in rows.
+/// Of the upper halves the one of which most characters lie in rows, beside those that have tables
+/// of their own.
 CharacterRows ScriptRows(const SingleByteTable& table) {
     CharacterRows best(1, table.bytes, table.characters);
     for (unsigned upper = 2; upper < 0x100; ++upper) {
         const CharacterRows rows(static_cast<std::uint8_t>(upper), table.bytes, table.characters);
-        if (rows.count > best.count) {
+        if (upper != PunctuationRows::Upper && rows.count > best.count) {
             best = rows;
         }
     }
@@ -65,7 +66,8 @@ SingleByteTable::SingleByteTable(const PageContent& page)
       holdsAscii(HoldsAscii(characters)),
       byteRows(characters),
       latinRows(0, bytes, characters),
-      scriptRows(ScriptRows(*this)) {}
+      scriptRows(ScriptRows(*this)),
+      punctuation(bytes, characters) {}
 
 namespace {
 
@@ -100,6 +102,9 @@ void SingleByteConverter::ToUnits(std::string_view bytes, char16_t* units) {
     std::size_t i = 0;
     while (table.holdsAscii && i < bytes.size()) {
         i += WidenAscii(bytes.data() + i, bytes.size() - i, units + i);
+        if (i == bytes.size()) {
+            return;
+        }
         const std::size_t length = std::min(bytes.size() - i, RowRun);
         const std::size_t done =
             DecodeByRows(table.byteRows, table.characters, bytes.data() + i, length, units + i);
@@ -113,9 +118,13 @@ void SingleByteConverter::ToBytes(std::u16string_view text, char* bytes) {
     std::size_t i = 0;
     while (table.holdsAscii && i < text.size()) {
         i += NarrowAscii(text.data() + i, text.size() - i, bytes + i);
+        if (i == text.size()) {
+            return;
+        }
         const std::size_t length = std::min(text.size() - i, RowRun);
-        const std::size_t done = EncodeByRows(table.latinRows, table.scriptRows, table.bytes.data(),
-                                              text.data() + i, length, bytes + i);
+        const std::size_t done =
+            EncodeByRows(table.latinRows, table.scriptRows, table.punctuation, table.bytes.data(),
+                         text.data() + i, length, bytes + i);
         LookUp(table.bytes.data(), text.data() + i + done, length - done, bytes + i + done);
         i += length;
     }

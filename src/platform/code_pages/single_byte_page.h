@@ -20,10 +20,11 @@ struct SingleByteTable {
     bool holdsAscii;                   ///< all bytes below 0x80 stand for themselves
 
     // The same once more by rows: of the bytes, of the characters below U+0100, and of those with
-    // the upper half that has most of the others.
+    // the upper half that has most of the others; and quotation marks and dashes.
     ByteRows byteRows;
     CharacterRows latinRows;
     CharacterRows scriptRows;
+    PunctuationRows punctuation;
 };
 
 class SingleByteConverter final : public CodePageConverter {
