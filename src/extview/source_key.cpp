@@ -1,6 +1,10 @@
 #include <generalutilities/extview/source_key.h>
 #include <generalutilities/text/words.h>
 
+#include "text/char_tables.h"
+
+#include <algorithm>
+
 namespace generalutilities {
 
 namespace {
@@ -55,8 +59,13 @@ std::u16string MakeSourceKey(std::u16string_view text, std::int32_t langId) {
 }
 
 std::u16string CompareForm(std::u16string_view text, std::int32_t langId) {
-    const WordParser parser(langId);
     std::u16string form;
+    if (std::none_of(text.begin(), text.end(), IsNumber)) {
+        form = text;  // no token is a number
+        TrimBlanks(form);
+        return form;
+    }
+    const WordParser parser(langId);
     form.reserve(text.size());
     std::size_t position = 0;
     while (const auto token = parser.ParseStep(text, position)) {

@@ -1,0 +1,1 @@
+generalutilities_bench(database-bench LINK generalutilities-core gu-extview gu-project SQLite::SQLite3)

@@ -1,0 +1,1 @@
+generalutilities_bench(rtf-bench LINK generalutilities-core gu-extview gu-project)
