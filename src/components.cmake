@@ -5,3 +5,8 @@ generalutilities_library(gu-text-components
 generalutilities_library(gu-extview-components
   SOURCES extview/ext_view_helper_component.cpp extview/text_file_component.cpp
   LINK gu-frame gu-rtf gu-text-file)
+generalutilities_library(gu-collections-components
+  SOURCES collections/long_set_component.cpp collections/long_stack_component.cpp
+          collections/sort_component.cpp collections/dictionary_component.cpp
+          collections/dictionary_keys.cpp collections/dictionary_table.cpp
+  LINK gu-frame gu-collections)

@@ -3,6 +3,10 @@
 #include <generalutilities/automation/text_file.h>
 #include <generalutilities/interfaces/class_ids.h>
 
+#include "collections/dictionary_component.h"
+#include "collections/long_set_component.h"
+#include "collections/long_stack_component.h"
+#include "collections/sort_component.h"
 #include "extview/ext_view_helper_component.h"
 #include "extview/text_file_component.h"
 #include "text/string_utils_component.h"
@@ -17,18 +21,18 @@ constexpr ClassRow Rows[] = {
     {u"UDrawText", CLSID_UDrawText, u"IUDrawText", nullptr, u"UDrawText Class", TYPEFLAG_FCANCREATE,
      nullptr},
     {u"LongSet", CLSID_LongSet, u"ILongSet", nullptr, u"LongSet Class", TYPEFLAG_FCANCREATE,
-     nullptr},
+     CreateAggregable<CLongSet>},
     {u"StringUtils", CLSID_StringUtils, u"IStringUtils", nullptr, u"StringUtils Class",
      TYPEFLAG_FCANCREATE | TYPEFLAG_FAPPOBJECT, CreateStandalone<CStringUtils>},
     {u"LongStack", CLSID_LongStack, u"ILongStack", nullptr, u"LongStack Class", TYPEFLAG_FCANCREATE,
-     nullptr},
+     CreateStandalone<CLongStack>},
     {u"qlnDictionary", CLSID_qlnDictionary, u"IQLNDictionary", nullptr, u"qlnDictionary Class",
-     TYPEFLAG_FCANCREATE, nullptr},
+     TYPEFLAG_FCANCREATE, CreateStandalone<CQLNDictionary>},
     // The type library has always spelled this one's help string with an extra letter.
     {u"CodePageHelper", CLSID_CodePageHelper, u"ICodePageHelper", nullptr, u"CodePagerHelper Class",
      TYPEFLAG_FCANCREATE, nullptr},
     {u"QLNSort", CLSID_QLNSort, u"IQLNSort", nullptr, u"QLNSort Class", TYPEFLAG_FCANCREATE,
-     nullptr},
+     CreateStandalone<CQLNSort>},
     {u"ExtViewHelper", CLSID_ExtViewHelper, u"IExtViewHelper", u"_IExtViewHelperEvents",
      u"ExtViewHelper Class", TYPEFLAG_FCANCREATE, CreateStandalone<CExtViewHelper>},
     {u"ITDReader", CLSID_ITDReader, u"IITDReader", nullptr, u"ITDReader Class", TYPEFLAG_FCANCREATE,

@@ -3,6 +3,7 @@
 #include <generalutilities/automation/project_database.h>
 #include <generalutilities/automation/text_file.h>
 #include <generalutilities/interfaces/class_ids.h>
+#include <generalutilities/interfaces/collections.h>
 #include <generalutilities/interfaces/ext_view_helper.h>
 #include <generalutilities/interfaces/string_utils.h>
 
@@ -53,10 +54,8 @@ TEST(ClassObjectTest, AnswersByTheClassTable) {
     EXPECT_EQ(DllGetClassObject(CLSID_StringUtils, IID_IDispatch, &object), E_NOINTERFACE);
     EXPECT_EQ(object, nullptr);
     // The writer of export files is a service of the library, not one of its classes.
-    for (const CLSID* clsid :
-         {&CLSID_UDrawText, &CLSID_LongSet, &CLSID_LongStack, &CLSID_qlnDictionary,
-          &CLSID_CodePageHelper, &CLSID_QLNSort, &CLSID_ITDReader, &CLSID_ITDWriter, &IID_IUnknown,
-          &CLSID_TextFileFactory}) {
+    for (const CLSID* clsid : {&CLSID_UDrawText, &CLSID_CodePageHelper, &CLSID_ITDReader,
+                               &CLSID_ITDWriter, &IID_IUnknown, &CLSID_TextFileFactory}) {
         object = &first;
         EXPECT_EQ(DllGetClassObject(*clsid, IID_IClassFactory, &object), CLASS_E_CLASSNOTAVAILABLE);
         EXPECT_EQ(object, nullptr);
@@ -64,28 +63,39 @@ TEST(ClassObjectTest, AnswersByTheClassTable) {
 }
 
 TEST(ClassObjectTest, ObjectsOfferTheirInterfacesAndNoOther) {
-    const IID* const all[] = {&IID_IUnknown,          &IID_IDispatch,
-                              &IID_IStringUtils,      &IID_IExtViewHelper,
+    struct Row {
+        const CLSID& clsid;
+        const IID* standard;
+        bool hasErrors;
+        bool hasEvents = false;
+    };
+    const IID* const all[] = {&IID_IStringUtils,      &IID_IExtViewHelper,
+                              &IID_ILongSet,          &IID_ILongStack,
+                              &IID_IQLNDictionary,    &IID_IQLNSort,
+                              &IID_IUnknown,          &IID_IDispatch,
                               &IID_ISupportErrorInfo, &IID_IConnectionPointContainer,
                               &IID_IClassFactory,     &DIID__IExtViewHelperEvents};
-    const struct {
-        const CLSID& clsid;
-        std::string_view offered;  ///< one letter an interface
-        const IID& reporting;
-    } table[] = {
-        {CLSID_StringUtils, "yyy-y---", IID_IStringUtils},
-        {CLSID_ExtViewHelper, "yy-yyy--", IID_IExtViewHelper},
+    const Row table[] = {
+        {CLSID_StringUtils, &IID_IStringUtils, true},
+        {CLSID_ExtViewHelper, &IID_IExtViewHelper, true, true},
+        {CLSID_LongSet, &IID_ILongSet, false},
+        {CLSID_LongStack, &IID_ILongStack, false},
+        {CLSID_qlnDictionary, &IID_IQLNDictionary, false},
+        {CLSID_QLNSort, &IID_IQLNSort, true},
     };
     for (const auto& row : table) {
         const auto object = Create<IUnknown>(row.clsid, IID_IUnknown);
-        std::string offered;
         for (const IID* iid : all) {
-            offered += object.As<IUnknown>(*iid) ? 'y' : '-';
+            const bool offered = iid == row.standard || iid == &IID_IUnknown ||
+                                 iid == &IID_IDispatch ||
+                                 (iid == &IID_ISupportErrorInfo && row.hasErrors) ||
+                                 (iid == &IID_IConnectionPointContainer && row.hasEvents);
+            EXPECT_EQ(static_cast<bool>(object.As<IUnknown>(*iid)), offered);
         }
-        EXPECT_EQ(offered, row.offered);
-        const auto errors = object.As<ISupportErrorInfo>(IID_ISupportErrorInfo);
-        EXPECT_EQ(errors->InterfaceSupportsErrorInfo(row.reporting), S_OK);
-        EXPECT_EQ(errors->InterfaceSupportsErrorInfo(IID_IDispatch), S_FALSE);
+        if (const auto errors = object.As<ISupportErrorInfo>(IID_ISupportErrorInfo)) {
+            EXPECT_EQ(errors->InterfaceSupportsErrorInfo(*row.standard), S_OK);
+            EXPECT_EQ(errors->InterfaceSupportsErrorInfo(IID_IDispatch), S_FALSE);
+        }
     }
     EXPECT_EQ(DllCanUnloadNow(), S_OK);
 }

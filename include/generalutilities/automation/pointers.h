@@ -102,4 +102,29 @@ class Bstr {
     BSTR string = nullptr;
 };
 
+/// Owns one VARIANT.
+class Variant {
+  public:
+    Variant() = default;
+    Variant(Variant&& other) noexcept : value(std::exchange(other.value, VARIANT{})) {}
+    Variant& operator=(Variant other) noexcept {
+        std::swap(value, other.value);
+        return *this;
+    }
+    ~Variant() { VariantClear(&value); }
+
+    const VARIANT& Get() const { return value; }
+    /// Where an out-argument puts a value; what was held is cleared first.
+    VARIANT* Out() {
+        VariantClear(&value);
+        return &value;
+    }
+    /// The place itself, for an [in,out] argument.
+    VARIANT* InOut() { return &value; }
+    VARIANT Release() { return std::exchange(value, VARIANT{}); }
+
+  private:
+    VARIANT value{};
+};
+
 }  // namespace generalutilities

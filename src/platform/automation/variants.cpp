@@ -3,6 +3,8 @@
 
 #include <generalutilities/automation/functions.h>
 
+#include "platform/automation/dereference.h"
+
 namespace generalutilities {
 
 namespace {
@@ -35,6 +37,64 @@ bool IsPlain(VARTYPE type) {
 }
 
 }  // namespace
+
+HRESULT Dereference(const VARIANT& source, VARIANT& direct) noexcept {
+    if ((source.vt & VT_BYREF) == 0) {
+        direct = source;
+        return S_OK;
+    }
+    if (source.byref == nullptr) {
+        return E_INVALIDARG;
+    }
+    direct = VARIANT{};
+    direct.vt = static_cast<VARTYPE>(source.vt & ~VT_BYREF);
+    if ((direct.vt & VT_ARRAY) != 0) {
+        direct.parray = *source.pparray;
+        return S_OK;
+    }
+    switch (direct.vt) {
+        case VT_VARIANT:
+            if ((source.pvarVal->vt & VT_BYREF) != 0 &&
+                (source.pvarVal->vt & VT_TYPEMASK) == VT_VARIANT) {
+                return E_INVALIDARG;  // one level of indirection is the rule
+            }
+            return Dereference(*source.pvarVal, direct);
+        case VT_I1:
+        case VT_UI1:
+            direct.bVal = *static_cast<std::uint8_t*>(source.byref);
+            break;
+        case VT_I2:
+        case VT_UI2:
+        case VT_BOOL:
+            direct.iVal = *source.piVal;
+            break;
+        case VT_I4:
+        case VT_UI4:
+        case VT_INT:
+        case VT_UINT:
+        case VT_ERROR:
+        case VT_R4:
+            direct.lVal = *source.plVal;
+            break;
+        case VT_I8:
+        case VT_UI8:
+        case VT_CY:
+        case VT_R8:
+        case VT_DATE:
+            direct.llVal = *static_cast<std::int64_t*>(source.byref);
+            break;
+        case VT_BSTR:
+            direct.bstrVal = *source.pbstrVal;
+            break;
+        case VT_UNKNOWN:
+        case VT_DISPATCH:
+            direct.punkVal = *source.ppunkVal;
+            break;
+        default:
+            return DISP_E_BADVARTYPE;
+    }
+    return S_OK;
+}
 
 extern "C" {
 
@@ -112,60 +172,9 @@ HRESULT VariantCopyInd(VARIANT* destination, const VARIANT* source) noexcept {
     if (destination == nullptr || source == nullptr) {
         return E_INVALIDARG;
     }
-    if ((source->vt & VT_BYREF) == 0) {
-        return VariantCopy(destination, source);
-    }
-    if (source->byref == nullptr) {
-        return E_INVALIDARG;
-    }
-    VARIANT direct{};
-    direct.vt = static_cast<VARTYPE>(source->vt & ~VT_BYREF);
-    if ((direct.vt & VT_ARRAY) != 0) {
-        direct.parray = *source->pparray;
-        return VariantCopy(destination, &direct);
-    }
-    switch (direct.vt) {
-        case VT_VARIANT:
-            if ((source->pvarVal->vt & VT_BYREF) != 0 &&
-                (source->pvarVal->vt & VT_TYPEMASK) == VT_VARIANT) {
-                return E_INVALIDARG;  // one level of indirection is the rule
-            }
-            return VariantCopyInd(destination, source->pvarVal);
-        case VT_I1:
-        case VT_UI1:
-            direct.bVal = *static_cast<std::uint8_t*>(source->byref);
-            break;
-        case VT_I2:
-        case VT_UI2:
-        case VT_BOOL:
-            direct.iVal = *source->piVal;
-            break;
-        case VT_I4:
-        case VT_UI4:
-        case VT_INT:
-        case VT_UINT:
-        case VT_ERROR:
-        case VT_R4:
-            direct.lVal = *source->plVal;
-            break;
-        case VT_I8:
-        case VT_UI8:
-        case VT_CY:
-        case VT_R8:
-        case VT_DATE:
-            direct.llVal = *static_cast<std::int64_t*>(source->byref);
-            break;
-        case VT_BSTR:
-            direct.bstrVal = *source->pbstrVal;
-            break;
-        case VT_UNKNOWN:
-        case VT_DISPATCH:
-            direct.punkVal = *source->ppunkVal;
-            break;
-        default:
-            return DISP_E_BADVARTYPE;
-    }
-    return VariantCopy(destination, &direct);
+    VARIANT direct;
+    const HRESULT status = Dereference(*source, direct);
+    return Failed(status) ? status : VariantCopy(destination, &direct);
 }
 
 }  // extern "C"

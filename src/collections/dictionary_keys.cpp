@@ -1,0 +1,200 @@
+#include "collections/dictionary_keys.h"
+
+#include <generalutilities/automation/functions.h>
+#include <generalutilities/automation/pointers.h>
+
+#include <cstring>
+#include <string_view>
+
+namespace generalutilities {
+namespace {
+
+bool IsInteger(VARTYPE type) {
+    return type == VT_I4 || type == VT_UI4 || type == VT_INT || type == VT_UINT;
+}
+
+std::u16string_view TextOf(const VARIANT& string) {
+    return string.bstrVal == nullptr
+               ? std::u16string_view()
+               : std::u16string_view(string.bstrVal, SysStringLen(string.bstrVal));
+}
+
+/// The order of strings: first without the case of A to Z, then with it.
+int CompareTexts(std::u16string_view left, std::u16string_view right) {
+    const auto folded = [](char16_t unit) {
+        return unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit - u'A' + u'a') : unit;
+    };
+    const std::size_t common = std::min(left.size(), right.size());
+    for (std::size_t i = 0; i < common; ++i) {
+        if (folded(left[i]) != folded(right[i])) {
+            return folded(left[i]) < folded(right[i]) ? -1 : 1;
+        }
+    }
+    return left.size() != right.size() ? (left.size() < right.size() ? -1 : 1)
+                                       : left.compare(right);
+}
+
+/// The bytes of the value of a type that holds no pointer.
+std::size_t ValueSize(VARTYPE type) {
+    switch (type) {
+        case VT_EMPTY:
+        case VT_NULL:
+            return 0;
+        case VT_I1:
+        case VT_UI1:
+            return 1;
+        case VT_I2:
+        case VT_UI2:
+        case VT_BOOL:
+            return 2;
+        case VT_I4:
+        case VT_UI4:
+        case VT_INT:
+        case VT_UINT:
+        case VT_R4:
+        case VT_ERROR:
+            return 4;
+        case VT_RECORD:
+            return sizeof(VARIANT::Record);
+        default:
+            return 8;
+    }
+}
+
+bool IsObject(VARTYPE type) {
+    return type == VT_UNKNOWN || type == VT_DISPATCH;
+}
+
+/// One object may have an address for each of its interfaces; that of `IUnknown` identifies it.
+IUnknown* IdentityOf(IUnknown* object) {
+    ComPtr<IUnknown> identity;
+    if (object != nullptr) {
+        object->QueryInterface(IID_IUnknown, identity.OutVoid());
+    }
+    return identity ? identity.Get() : object;
+}
+
+std::uint32_t ElementCount(const SAFEARRAY& array) {
+    std::uint32_t count = 1;
+    for (std::uint16_t i = 0; i < array.cDims; ++i) {
+        count *= array.rgsabound[i].cElements;
+    }
+    return count;
+}
+
+bool SameValue(const VARIANT& left, const VARIANT& right);
+
+/// Whether the elements at `index` are equal, in two arrays of the same element type.
+bool SameElement(VARTYPE type, const SAFEARRAY& left, const SAFEARRAY& right, std::uint32_t index) {
+    const std::size_t offset = std::size_t{left.cbElements} * index;
+    const auto* const mine = static_cast<const std::byte*>(left.pvData) + offset;
+    const auto* const theirs = static_cast<const std::byte*>(right.pvData) + offset;
+    if (type == VT_VARIANT) {
+        return SameValue(*reinterpret_cast<const VARIANT*>(mine),
+                         *reinterpret_cast<const VARIANT*>(theirs));
+    }
+    if (type != VT_BSTR && !IsObject(type)) {
+        return std::memcmp(mine, theirs, left.cbElements) == 0;
+    }
+    VARIANT values[2]{};
+    values[0].vt = values[1].vt = type;
+    std::memcpy(&values[0].byref, mine, sizeof(void*));
+    std::memcpy(&values[1].byref, theirs, sizeof(void*));
+    return SameValue(values[0], values[1]);
+}
+
+bool SameArray(VARTYPE type, const SAFEARRAY* left, const SAFEARRAY* right) {
+    if (left == nullptr || right == nullptr) {
+        return left == right;
+    }
+    if (left->cDims != right->cDims || left->cbElements != right->cbElements ||
+        std::memcmp(left->rgsabound, right->rgsabound, left->cDims * sizeof(SAFEARRAYBOUND)) != 0) {
+        return false;
+    }
+    const std::uint32_t count = ElementCount(*left);
+    for (std::uint32_t i = 0; i < count; ++i) {
+        if (!SameElement(type, *left, *right, i)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+/// Equal type and value, whatever the type.
+bool SameValue(const VARIANT& left, const VARIANT& right) {
+    if (left.vt != right.vt) {
+        return false;
+    }
+    if ((left.vt & VT_BYREF) != 0) {
+        return left.byref == right.byref;
+    }
+    if ((left.vt & VT_ARRAY) != 0) {
+        return SameArray(left.vt & VT_TYPEMASK, left.parray, right.parray);
+    }
+    if (left.vt == VT_BSTR) {
+        return TextOf(left) == TextOf(right);
+    }
+    if (IsObject(left.vt)) {
+        return IdentityOf(left.punkVal) == IdentityOf(right.punkVal);
+    }
+    return std::memcmp(&left.llVal, &right.llVal, ValueSize(left.vt)) == 0;
+}
+
+}  // namespace
+
+bool IsTableKey(VARTYPE type) {
+    return IsInteger(type) || type == VT_BSTR || type == VT_BOOL;
+}
+
+std::uint32_t KeyHash(const VARIANT& key) {
+    if (key.vt == VT_BOOL) {
+        return static_cast<std::uint32_t>(std::int32_t{key.boolVal});
+    }
+    if (key.vt != VT_BSTR) {
+        return key.ulVal;
+    }
+    std::uint32_t hash = 0;
+    for (const char16_t unit : TextOf(key)) {
+        if (unit == 0) {
+            break;
+        }
+        hash = hash * 5 + unit;
+    }
+    return hash;
+}
+
+bool KeyLess(const VARIANT& left, const VARIANT& right) {
+    if (left.vt == VT_BOOL || right.vt == VT_BOOL) {
+        return left.vt == right.vt && right.boolVal < left.boolVal;
+    }
+    if (IsInteger(left.vt)) {
+        return right.vt == VT_BSTR || left.lVal < right.lVal;
+    }
+    return right.vt == VT_BSTR && CompareTexts(TextOf(left), TextOf(right)) < 0;
+}
+
+bool SameTableKey(const VARIANT& left, const VARIANT& right) {
+    if (left.vt == VT_BSTR || right.vt == VT_BSTR) {
+        return left.vt == right.vt && TextOf(left) == TextOf(right);
+    }
+    return left.lVal == right.lVal;
+}
+
+std::uint32_t OtherKeyHash(const VARIANT& key) {
+    std::uint64_t bits = 0;
+    if ((key.vt & VT_ARRAY) != 0) {
+        bits = key.parray == nullptr ? 0 : ElementCount(*key.parray);
+    } else if (IsObject(key.vt)) {
+        bits = reinterpret_cast<std::uintptr_t>(IdentityOf(key.punkVal));
+    } else {
+        std::memcpy(&bits, &key.llVal, std::min(ValueSize(key.vt), sizeof bits));
+    }
+    bits = (bits ^ key.vt) * 0x9E3779B97F4A7C15u;  // spreads what differs in few bits
+    return static_cast<std::uint32_t>(bits >> 32);
+}
+
+bool SameOtherKey(const VARIANT& left, const VARIANT& right) {
+    return SameValue(left, right);
+}
+
+}  // namespace generalutilities

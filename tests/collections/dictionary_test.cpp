@@ -1,0 +1,358 @@
+// The dictionary beside a plain one: lists of lists, written from the rules alone.
+
+#include <generalutilities/interfaces/class_ids.h>
+#include <generalutilities/interfaces/collections.h>
+
+#include "frame/values.h"
+
+#include <algorithm>
+#include <cctype>
+#include <list>
+#include <optional>
+#include <random>
+#include <variant>
+#include <vector>
+
+namespace generalutilities {
+namespace {
+
+/// A key of the plain dictionary: a 32-bit integer, a yes/no value or an ASCII text.
+using Key = std::variant<std::int32_t, bool, std::string>;
+
+VARIANT ToVariant(const Key& key) {
+    VARIANT value{};
+    if (const auto* number = std::get_if<std::int32_t>(&key)) {
+        value.vt = VT_I4;
+        value.lVal = *number;
+    } else if (const auto* flag = std::get_if<bool>(&key)) {
+        value.vt = VT_BOOL;
+        value.boolVal = *flag ? VARIANT_TRUE : VARIANT_FALSE;
+    } else {
+        const std::string& text = std::get<std::string>(key);
+        value.vt = VT_BSTR;
+        value.bstrVal = Bstr(std::u16string(text.begin(), text.end())).Release();
+    }
+    return value;
+}
+
+Key FromVariant(const VARIANT& value) {
+    if (value.vt == VT_I4) {
+        return value.lVal;
+    }
+    if (value.vt == VT_BOOL) {
+        return value.boolVal != 0;
+    }
+    const std::u16string_view text(value.bstrVal, SysStringLen(value.bstrVal));
+    return std::string(text.begin(), text.end());
+}
+
+class PlainDictionary {
+  public:
+    struct Entry {
+        Key key;
+        int item;
+    };
+
+    Entry* Find(const Key& key) {
+        for (Entry& entry : BucketOf(key)) {
+            if (!Less(entry.key, key)) {
+                return Less(key, entry.key) ? nullptr : &entry;
+            }
+        }
+        return nullptr;
+    }
+    void Put(const Key& key, int item) {
+        if (Entry* const entry = Find(key)) {
+            entry->item = item;
+            return;
+        }
+        Insert({key, item});
+        if (Entries().size() > 4 * buckets.size()) {
+            const std::vector<Entry> all = Entries();
+            buckets = std::vector<Bucket>(buckets.size() * 8);
+            order.clear();
+            for (const Entry& entry : all) {
+                Insert(entry);
+            }
+        }
+    }
+    void Remove(const Key& key) {
+        if (Entry* const found = Find(key)) {
+            Bucket& bucket = BucketOf(key);
+            bucket.remove_if([found](const Entry& entry) { return &entry == found; });
+            if (bucket.empty()) {
+                order.remove(Number(key));
+            }
+        }
+    }
+    void Rename(const Key& from, const Key& to) {
+        Entry* const old = Find(from);
+        if (Find(to) == nullptr) {
+            const int item = old == nullptr ? 0 : old->item;
+            Remove(from);
+            Put(to, item);
+        }
+    }
+    std::vector<Entry> Entries() const {
+        std::vector<Entry> all;
+        for (const std::size_t number : order) {
+            all.insert(all.end(), buckets[number].begin(), buckets[number].end());
+        }
+        return all;
+    }
+
+  private:
+    using Bucket = std::list<Entry>;
+
+    static std::uint32_t Hash(const Key& key) {
+        if (const auto* text = std::get_if<std::string>(&key)) {
+            std::uint32_t hash = 0;
+            for (const char c : *text) {
+                hash = hash * 5 + static_cast<unsigned char>(c);
+            }
+            return hash;
+        }
+        const auto* number = std::get_if<std::int32_t>(&key);
+        return number != nullptr     ? static_cast<std::uint32_t>(*number)
+               : std::get<bool>(key) ? 0xFFFFFFFF
+                                     : 0;
+    }
+    static bool Less(const Key& a, const Key& b) {
+        if (a.index() != b.index()) {
+            return a.index() == 0 && b.index() == 2;
+        }
+        if (a.index() != 2) {
+            return a < b;  // no before yes
+        }
+        const auto lower = [](std::string text) {
+            std::transform(text.begin(), text.end(), text.begin(), ::tolower);
+            return text;
+        };
+        const std::string& left = std::get<std::string>(a);
+        const std::string& right = std::get<std::string>(b);
+        return std::pair(lower(left), left) < std::pair(lower(right), right);
+    }
+    std::size_t Number(const Key& key) const { return Hash(key) % buckets.size(); }
+    Bucket& BucketOf(const Key& key) { return buckets[Number(key)]; }
+    void Insert(const Entry& entry) {
+        Bucket& bucket = BucketOf(entry.key);
+        if (bucket.empty()) {
+            order.push_back(Number(entry.key));
+        }
+        bucket.insert(std::find_if(bucket.begin(), bucket.end(),
+                                   [&](const Entry& each) { return Less(entry.key, each.key); }),
+                      entry);
+    }
+
+    std::vector<Bucket> buckets{8};
+    std::list<std::size_t> order;  ///< the numbers of the buckets that hold something
+};
+
+class DictionaryTest : public testing::Test {
+  protected:
+    void Put(const Key& key, int item) {
+        Variant ownKey;
+        *ownKey.InOut() = ToVariant(key);
+        VARIANT value{};
+        value.vt = VT_I4;
+        value.lVal = item;
+        ASSERT_EQ(dictionary->Add(ownKey.InOut(), &value), S_OK);
+    }
+    std::vector<VARIANT> List(HRESULT (IQLNDictionary::*list)(VARIANT*)) {
+        EXPECT_EQ((dictionary.Get()->*list)(array.Out()), S_OK);
+        const VARIANT& given = array.Get();
+        EXPECT_EQ(given.vt, VT_ARRAY | VT_VARIANT);
+        EXPECT_EQ(given.parray->rgsabound[0].lLbound, 1);
+        const auto* data = static_cast<const VARIANT*>(given.parray->pvData);
+        return {data, data + given.parray->rgsabound[0].cElements};
+    }
+    std::int32_t Count() {
+        std::int32_t count = -1;
+        EXPECT_EQ(dictionary->get_Count(&count), S_OK);
+        return count;
+    }
+
+    ComPtr<IQLNDictionary> dictionary =
+        Create<IQLNDictionary>(CLSID_qlnDictionary, IID_IQLNDictionary);
+    Variant array;
+};
+
+TEST_F(DictionaryTest, KeepsTheOrderThatFollowsFromTheOperations) {
+    const unsigned seed = std::random_device()();
+    std::mt19937 random(seed);
+    SCOPED_TRACE(seed);
+    const auto randomKey = [&random]() -> Key {
+        switch (random() % 8) {
+            case 0:
+                return random() % 2 == 0;
+            case 1:
+            case 2:
+            case 3: {
+                std::string text(random() % 4, ' ');
+                for (char& c : text) {
+                    c = "aAbB_[zZ"[random() % 8];
+                }
+                return text;
+            }
+            default:
+                return static_cast<std::int32_t>(random() % 2000) - 1000;
+        }
+    };
+    for (int round = 0; round < 20; ++round) {
+        PlainDictionary plain;
+        ASSERT_EQ(dictionary->RemoveAll(), S_OK);
+        dictionary = Create<IQLNDictionary>(CLSID_qlnDictionary, IID_IQLNDictionary);
+        for (int step = 0; step < 1500; ++step) {
+            const Key key = randomKey();
+            Variant value;
+            *value.InOut() = ToVariant(key);
+            switch (random() % 6) {
+                case 0:
+                    plain.Remove(key);
+                    ASSERT_EQ(dictionary->Remove(value.InOut()), S_OK);
+                    break;
+                case 1: {
+                    const Key other = randomKey();
+                    Variant otherValue;
+                    *otherValue.InOut() = ToVariant(other);
+                    plain.Rename(key, other);
+                    ASSERT_EQ(dictionary->put_Key(value.InOut(), otherValue.InOut()), S_OK);
+                    break;
+                }
+                default:
+                    plain.Put(key, step);
+                    Put(key, step);
+            }
+            VARIANT_BOOL exists = VARIANT_FALSE;
+            ASSERT_EQ(dictionary->Exists(value.InOut(), &exists), S_OK);
+            ASSERT_EQ(exists != VARIANT_FALSE, plain.Find(key) != nullptr);
+        }
+        const std::vector<PlainDictionary::Entry> expected = plain.Entries();
+        const std::vector<VARIANT> keys = List(&IQLNDictionary::Keys);
+        ASSERT_EQ(keys.size(), expected.size());
+        for (std::size_t i = 0; i < keys.size(); ++i) {
+            ASSERT_EQ(FromVariant(keys[i]), expected[i].key) << i;
+        }
+        const std::vector<VARIANT> items = List(&IQLNDictionary::Items);
+        for (std::size_t i = 0; i < items.size(); ++i) {
+            ASSERT_EQ(items[i].vt == VT_I4 ? items[i].lVal : 0, expected[i].item) << i;
+        }
+    }
+}
+
+TEST_F(DictionaryTest, FindsKeysOfEveryTypeByTheirOwnValue) {
+    double half = 0.5;
+    VARIANT real = Of(VT_R8, 0);
+    real.dblVal = half;
+    VARIANT date = real;
+    date.vt = VT_DATE;
+    const VARIANT reference = Ref(VT_R8, &half);
+    VARIANT object{};
+    object.vt = VT_DISPATCH;
+    object.pdispVal = dictionary.Get();
+    const auto other = Create<IQLNDictionary>(CLSID_qlnDictionary, IID_IQLNDictionary);
+    VARIANT otherObject = object;
+    otherObject.pdispVal = other.Get();
+    Variant arrays[3];
+    for (std::int32_t i = 0; i < 3; ++i) {
+        const Bstr text(i == 2 ? u"different" : u"same");
+        std::int32_t index = 0;
+        arrays[i].InOut()->vt = VT_ARRAY | VT_BSTR;
+        arrays[i].InOut()->parray = SafeArrayCreateVector(VT_BSTR, 0, 1);
+        SafeArrayPutElement(arrays[i].Get().parray, &index, text.Get());
+    }
+    VARIANT keys[] = {Of(VT_I4, 0),    Of(VT_R8, 0),   real,         date,
+                      Of(VT_EMPTY, 0), Of(VT_NULL, 0), object,       otherObject,
+                      Of(VT_I2, 5),    Of(VT_UI1, 5),  Of(VT_I4, 5), Of(VT_I8, 5),
+                      arrays[0].Get(), arrays[2].Get()};
+    for (std::int32_t i = 0; i < std::ssize(keys); ++i) {
+        VARIANT item = Of(VT_I4, i);
+        ASSERT_EQ(dictionary->Add(&keys[i], &item), S_OK);
+    }
+    EXPECT_EQ(Count(), std::ssize(keys));
+    for (std::int32_t i = 0; i < std::ssize(keys); ++i) {
+        Variant item;
+        ASSERT_EQ(dictionary->get_Item(&keys[i], item.Out()), S_OK);
+        EXPECT_EQ(item.Get().lVal, i);
+    }
+    for (const auto& [key, expected] : {std::pair<VARIANT, int>{reference, 2},
+                                        {Of(VT_UI4, 5), 10},
+                                        {Of(VT_UINT, 5), 10},
+                                        {arrays[1].Get(), 12}}) {
+        VARIANT copy = key;
+        Variant item;
+        ASSERT_EQ(dictionary->get_Item(&copy, item.Out()), S_OK);
+        EXPECT_EQ(item.Get().lVal, expected) << key.vt;
+    }
+    EXPECT_EQ(List(&IQLNDictionary::Keys)[1].lVal, 5) << "integers come before doubles";
+    for (VARIANT& key : keys) {
+        EXPECT_EQ(dictionary->Remove(&key), S_OK);
+    }
+    EXPECT_EQ(Count(), 0);
+}
+
+TEST_F(DictionaryTest, NeverFailsForWhatIsMissing) {
+    EXPECT_TRUE(List(&IQLNDictionary::Keys).empty());
+    VARIANT five = Of(VT_I4, 5);
+    VARIANT six = Of(VT_I4, 6);
+    EXPECT_EQ(dictionary->Remove(&five), S_OK);
+    VARIANT_BOOL exists = VARIANT_TRUE;
+    EXPECT_EQ(dictionary->Exists(&five, &exists), S_OK);
+    EXPECT_EQ(exists, VARIANT_FALSE);
+    EXPECT_EQ(Count(), 0);
+    Variant item;
+    EXPECT_EQ(dictionary->get_Item(&five, item.Out()), S_OK);
+    EXPECT_EQ(item.Get().vt, VT_EMPTY);
+    EXPECT_EQ(Count(), 1) << "reading makes the key";
+    EXPECT_EQ(dictionary->put_Key(&six, &six), S_OK) << "and so does renaming it";
+    EXPECT_EQ(Count(), 2);
+    EXPECT_EQ(dictionary->put_Key(&five, &six), S_OK);
+    EXPECT_EQ(Count(), 2) << "both stay";
+    EXPECT_EQ(dictionary->get_Key(&six, item.Out()), S_OK);
+    EXPECT_EQ(item.Get().lVal, 6);
+    qlnCompareMethod mode = dctmTextCompare;
+    EXPECT_EQ(dictionary->put_CompareMode(dctmTextCompare), S_OK);
+    EXPECT_EQ(dictionary->get_CompareMode(&mode), S_OK);
+    EXPECT_EQ(mode, dctmBinaryCompare);
+
+    EXPECT_EQ(dictionary->Add(nullptr, &five), E_POINTER);
+    EXPECT_EQ(dictionary->Add(&five, nullptr), E_POINTER);
+    EXPECT_EQ(dictionary->get_Item(&five, nullptr), E_POINTER);
+    EXPECT_EQ(dictionary->get_Key(&five, nullptr), E_POINTER);
+    EXPECT_EQ(dictionary->Keys(nullptr), E_POINTER);
+    EXPECT_EQ(dictionary->put_Key(&five, nullptr), E_POINTER);
+}
+
+/// An item that empties the dictionary when it is let go.
+struct Emptier : IUnknown {
+    explicit Emptier(IQLNDictionary& ofWhom) : dictionary(ofWhom) {}
+    HRESULT QueryInterface(REFIID, void**) noexcept override { return E_NOINTERFACE; }
+    std::uint32_t AddRef() noexcept override { return ++references; }
+    std::uint32_t Release() noexcept override {
+        if (--references == 1) {
+            dictionary.RemoveAll();
+        }
+        return references;
+    }
+    IQLNDictionary& dictionary;
+    std::uint32_t references = 1;
+};
+
+TEST_F(DictionaryTest, IsInOrderWhenAnItemCallsBack) {
+    VARIANT five = Of(VT_I4, 5);
+    for (const int way : {0, 1, 2}) {
+        Emptier emptier(*dictionary.Get());
+        VARIANT item{};
+        item.vt = VT_UNKNOWN;
+        item.punkVal = &emptier;
+        ASSERT_EQ(dictionary->Add(&five, &item), S_OK);
+        way == 0   ? dictionary->Add(&five, &five)
+        : way == 1 ? dictionary->Remove(&five)
+                   : dictionary->RemoveAll();
+        EXPECT_EQ(Count(), 0);
+        EXPECT_EQ(emptier.references, 1u);
+    }
+}
+
+}  // namespace
+}  // namespace generalutilities

@@ -1,0 +1,165 @@
+#include <generalutilities/interfaces/class_ids.h>
+#include <generalutilities/interfaces/collections.h>
+
+#include "frame/values.h"
+
+#include <climits>
+#include <vector>
+
+namespace generalutilities {
+namespace {
+
+ComPtr<ILongSet> SetOf(const std::vector<std::int32_t>& values) {
+    auto set = Create<ILongSet>(CLSID_LongSet, IID_ILongSet);
+    for (const std::int32_t value : values) {
+        EXPECT_EQ(set->Add(value), S_OK);
+    }
+    return set;
+}
+
+/// All values by `Item`.
+std::vector<std::int32_t> Values(ILongSet& set) {
+    std::int32_t count = -1;
+    EXPECT_EQ(set.get_Count(&count), S_OK);
+    std::vector<std::int32_t> values(static_cast<std::size_t>(count));
+    for (std::int32_t n = 1; n <= count; ++n) {
+        EXPECT_EQ(set.get_Item(n, &values[static_cast<std::size_t>(n) - 1]), S_OK);
+    }
+    std::int32_t value = 0;
+    EXPECT_EQ(set.get_Item(count + 1, &value), E_FAIL);
+    return values;
+}
+
+ComPtr<IEnumVARIANT> Enumerate(ILongSet& set) {
+    ComPtr<IUnknown> enumerator;
+    EXPECT_EQ(set.get__NewEnum(enumerator.Out()), S_OK);
+    return enumerator.As<IEnumVARIANT>(IID_IEnumVARIANT);
+}
+
+/// The next values of an enumerator, at most `count`.
+std::vector<std::int32_t> Next(IEnumVARIANT& enumerator, std::uint32_t count) {
+    std::vector<VARIANT> given(count + 1);
+    std::uint32_t fetched = 99;
+    const HRESULT status = enumerator.Next(count, given.data(), &fetched);
+    EXPECT_EQ(status, fetched == count ? S_OK : S_FALSE);
+    std::vector<std::int32_t> values;
+    for (std::uint32_t i = 0; i < fetched; ++i) {
+        EXPECT_EQ(given[i].vt, VT_I4);
+        values.push_back(given[i].lVal);
+    }
+    return values;
+}
+
+using Longs = std::vector<std::int32_t>;
+
+TEST(LongSet, KeepsValuesInOrderAndOnce) {
+    const auto set = SetOf({5, 1, 3, 5, INT_MIN, INT_MAX});
+    EXPECT_EQ(Values(*set.Get()), (Longs{INT_MIN, 1, 3, 5, INT_MAX}));
+    EXPECT_EQ(set->Remove(4), S_OK);
+    EXPECT_EQ(set->Remove(3), S_OK);
+    EXPECT_EQ(Values(*set.Get()), (Longs{INT_MIN, 1, 5, INT_MAX}));
+    std::int32_t value = 0;
+    EXPECT_EQ(set->get_Item(0, &value), E_INVALIDARG);
+    EXPECT_EQ(set->get_Item(-1, &value), E_INVALIDARG);
+    EXPECT_EQ(set->get_Item(1, nullptr), E_POINTER);
+    EXPECT_EQ(set->get_Count(nullptr), E_POINTER);
+    EXPECT_EQ(set->get__NewEnum(nullptr), E_POINTER);
+}
+
+TEST(LongSet, IntersectsWithoutTouchingEither) {
+    struct Case {
+        Longs left, right, both;
+    };
+    for (const Case& each :
+         {Case{{}, {1}, {}}, Case{{1}, {}, {}}, Case{{1, 2, 3, 9}, {0, 2, 9, 10}, {2, 9}},
+          Case{{-5, 7}, {-5, 7}, {-5, 7}}, Case{{1, 3}, {2, 4}, {}}}) {
+        const auto left = SetOf(each.left);
+        const auto right = SetOf(each.right);
+        ComPtr<ILongSet> both;
+        ASSERT_EQ(left->IntersectWith(right.Get(), both.Out()), S_OK);
+        EXPECT_EQ(Values(*both.Get()), each.both);
+        EXPECT_EQ(Values(*left.Get()), each.left);
+        EXPECT_EQ(Values(*right.Get()), each.right);
+    }
+    const auto set = SetOf({1});
+    ComPtr<ILongSet> both;
+    EXPECT_EQ(set->IntersectWith(nullptr, both.Out()), E_INVALIDARG);
+    EXPECT_EQ(set->IntersectWith(set.Get(), nullptr), E_POINTER);
+    EXPECT_EQ(set->_GetSet(nullptr), E_INVALIDARG);
+}
+
+/// A set of another implementation: its table is ours, its address is not.
+struct Stranger : ILongSet {
+    HRESULT QueryInterface(REFIID, void**) noexcept override { return E_NOINTERFACE; }
+    std::uint32_t AddRef() noexcept override { return 1; }
+    std::uint32_t Release() noexcept override { return 1; }
+    HRESULT GetTypeInfoCount(std::uint32_t*) noexcept override { return E_NOTIMPL; }
+    HRESULT GetTypeInfo(std::uint32_t, LCID, ITypeInfo**) noexcept override { return E_NOTIMPL; }
+    HRESULT GetIDsOfNames(REFIID, char16_t**, std::uint32_t, LCID, DISPID*) noexcept override {
+        return E_NOTIMPL;
+    }
+    HRESULT Invoke(DISPID, REFIID, LCID, std::uint16_t, DISPPARAMS*, VARIANT*, EXCEPINFO*,
+                   std::uint32_t*) noexcept override {
+        return E_NOTIMPL;
+    }
+    HRESULT Add(std::int32_t) noexcept override { return S_OK; }
+    HRESULT Remove(std::int32_t) noexcept override { return S_OK; }
+    HRESULT get_Count(std::int32_t*) noexcept override { return S_OK; }
+    HRESULT get_Item(std::int32_t, std::int32_t*) noexcept override { return S_OK; }
+    HRESULT get__NewEnum(IUnknown**) noexcept override { return S_OK; }
+    HRESULT IntersectWith(ILongSet*, ILongSet**) noexcept override { return S_OK; }
+    HRESULT _GetSet(void** set) noexcept override {
+        *set = address;
+        return S_OK;
+    }
+    void* address;
+};
+
+TEST(LongSet, DoesNotFollowTheAddressOfAStranger) {
+    const auto set = SetOf({1});
+    Stranger stranger;
+    int somewhere = 0;
+    ComPtr<ILongSet> both;
+    for (void* const address : {static_cast<void*>(nullptr), static_cast<void*>(&somewhere),
+                                reinterpret_cast<void*>(std::uintptr_t{16})}) {
+        stranger.address = address;
+        EXPECT_EQ(set->IntersectWith(&stranger, both.Out()), E_INVALIDARG);
+        EXPECT_FALSE(both);
+    }
+    ASSERT_EQ(set->_GetSet(&stranger.address), S_OK);
+    EXPECT_EQ(set->IntersectWith(&stranger, both.Out()), S_OK) << "one that wraps a set of ours";
+    EXPECT_EQ(Values(*both.Get()), Longs{1});
+}
+
+TEST(LongSet, EnumeratesTheLiveSet) {
+    auto set = SetOf({10, 20, 30});
+    const auto enumerator = Enumerate(*set.Get());
+    EXPECT_EQ(Next(*enumerator.Get(), 1), Longs{10});
+    set->Add(15);  // before the position
+    set->Add(25);  // behind it
+    ComPtr<IEnumVARIANT> clone;
+    ASSERT_EQ(enumerator->Clone(clone.Out()), S_OK);
+    EXPECT_EQ(Next(*enumerator.Get(), 9), (Longs{20, 25, 30}));
+    EXPECT_EQ(Next(*enumerator.Get(), 1), Longs{});
+    EXPECT_EQ(enumerator->Skip(0), S_OK);
+    EXPECT_EQ(enumerator->Skip(1), S_FALSE);
+    EXPECT_EQ(enumerator->Reset(), S_OK);
+    EXPECT_EQ(enumerator->Skip(3), S_OK);
+    EXPECT_EQ(Next(*enumerator.Get(), 1), Longs{25});
+    EXPECT_EQ(enumerator->Skip(2), S_FALSE);
+
+    set->Remove(20);  // the clone's position
+    set = {};         // the enumerators hold it
+    EXPECT_EQ(Next(*clone.Get(), 1), Longs{25});
+    VARIANT value{};
+    EXPECT_EQ(clone->Next(1, &value, nullptr), S_OK);
+    EXPECT_EQ(value.lVal, 30);
+    EXPECT_EQ(clone->Next(1, &value, nullptr), S_FALSE);
+    std::uint32_t fetched = 99;
+    EXPECT_EQ(clone->Next(2, &value, nullptr), E_POINTER);
+    EXPECT_EQ(clone->Next(1, nullptr, &fetched), E_POINTER);
+    EXPECT_EQ(clone->Clone(nullptr), E_POINTER);
+}
+
+}  // namespace
+}  // namespace generalutilities
