@@ -46,11 +46,28 @@ std::size_t CopyPlain(const From* from, std::size_t length, To* to) {
 }
 
 #ifdef GENERALUTILITIES_AVX2
-// Four blocks at a step while they last, then one by one.
+// Four blocks at a step while they last, then one by one. Of a long text the first block is written
+// and then once more from where the result is aligned, so that no later store crosses a cache line.
+
+constexpr std::size_t LongText = 256;
+
+/// How many elements of a result to pass over until the next boundary of 32 bytes.
+template <class Unit>
+std::size_t ToAlignment(const Unit* to) {
+    return (-reinterpret_cast<std::uintptr_t>(to) & 31) / sizeof(Unit);
+}
 
 GENERALUTILITIES_AVX2 std::size_t WidenAvx2(const char* bytes, std::size_t length,
                                             char16_t* units) {
     std::size_t i = 0;
+    if (length >= LongText) {
+        const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));
+        if (_mm_movemask_epi8(block) != 0) {
+            return 0;
+        }
+        _mm256_storeu_si256(reinterpret_cast<__m256i*>(units), _mm256_cvtepu8_epi16(block));
+        i = ToAlignment(units);
+    }
     for (; i + 64 <= length; i += 64) {
         const auto* from = reinterpret_cast<const __m256i*>(bytes + i);
         const __m256i first = _mm256_loadu_si256(from);
@@ -78,6 +95,17 @@ GENERALUTILITIES_AVX2 std::size_t NarrowAvx2(const char16_t* units, std::size_t 
                                              char* bytes) {
     const __m256i notAscii = _mm256_set1_epi16(static_cast<short>(0xFF80));
     std::size_t i = 0;
+    if (length >= LongText) {
+        const auto* from = reinterpret_cast<const __m256i*>(units);
+        const __m256i a = _mm256_loadu_si256(from);
+        const __m256i b = _mm256_loadu_si256(from + 1);
+        if (_mm256_testz_si256(_mm256_or_si256(a, b), notAscii) == 0) {
+            return 0;
+        }
+        _mm256_storeu_si256(reinterpret_cast<__m256i*>(bytes),
+                            _mm256_permute4x64_epi64(_mm256_packus_epi16(a, b), 0xD8));
+        i = ToAlignment(bytes);
+    }
     for (; i + 64 <= length; i += 64) {
         const auto* from = reinterpret_cast<const __m256i*>(units + i);
         const __m256i a = _mm256_loadu_si256(from);

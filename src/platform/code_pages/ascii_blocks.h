@@ -14,8 +14,8 @@ constexpr std::size_t PlainRun(std::size_t asciiBefore) {
     return asciiBefore > 0 ? 2 * AsciiBlock : 16 * AsciiBlock;
 }
 
-/// Widens blocks from the start for as long as they are whole and pure ASCII. Gives how many bytes
-/// that were.
+/// Widens from the start, block by block for as long as they are whole and pure ASCII. Gives how
+/// many bytes that were; what is written behind them is still to be overwritten.
 std::size_t WidenAscii(const char* bytes, std::size_t length, char16_t* units);
 
 /// The way back. Gives how many units that were.
