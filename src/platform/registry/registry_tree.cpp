@@ -57,6 +57,14 @@ bool TakeQuoted(std::string_view& line, std::string& text) {
     return false;
 }
 
+/// Each level has a name. There are few of them, as every one is kept with its whole path.
+bool IsPath(std::string_view path) {
+    constexpr std::ptrdiff_t MostSeparators = 31;
+    return !path.starts_with('\\') && !path.ends_with('\\') &&
+           path.find("\\\\") == std::string_view::npos &&
+           std::count(path.begin(), path.end(), '\\') <= MostSeparators;
+}
+
 }  // namespace
 
 const std::string* Tree::Find(std::string_view key, std::string_view valueName) const {
@@ -74,11 +82,12 @@ bool Tree::HasKey(std::string_view key) const {
 }
 
 void Tree::AddKey(std::string_view key) {
-    for (std::size_t end = 0; end != std::string_view::npos;) {
-        end = key.find('\\', end == 0 ? 0 : end + 1);
+    std::size_t end = 0;
+    do {
+        end = key.find('\\', end);
         const std::string_view path = key.substr(0, end);
         keys.try_emplace(Slot(path), Key{std::string(path), {}});
-    }
+    } while (end++ != std::string_view::npos);
 }
 
 void Tree::Set(std::string_view key, std::string_view valueName, std::string_view text) {
@@ -179,6 +188,9 @@ std::size_t Tree::Parse(std::string_view text) {
                 return fail();
             }
             const std::string_view path = line.substr(1, line.size() - 2);
+            if (!IsPath(path)) {
+                return fail();
+            }
             AddKey(path);
             current = &keys.find(Slot(path))->second;
             continue;
