@@ -86,6 +86,9 @@ std::int32_t CRTFImport::StatusOf(std::u16string_view cell) {
 }
 
 bool CRTFImport::OnText(std::u16string& text, std::uint32_t, std::uint32_t) {
+    if (cellCount > cells.size()) {
+        return true;
+    }
     std::u16string& cell = cells[cellCount - 1];
     if (cell.empty()) {
         cell.swap(text);
@@ -104,10 +107,10 @@ bool CRTFImport::OnControlWord(std::string_view word) {
 }
 
 void CRTFImport::OpenCell() {
-    if (cellCount == cells.size()) {
-        cells.emplace_back();
+    if (cellCount < cells.size()) {
+        cells[cellCount].clear();
     }
-    cells[cellCount++].clear();
+    ++cellCount;
 }
 
 }  // namespace generalutilities

@@ -3,11 +3,12 @@
 #include "extview/external_view_import.h"
 #include "extview/rtf/rtf_reader.h"
 
+#include <algorithm>
+#include <array>
 #include <cstdint>
 #include <span>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace generalutilities {
 
@@ -28,9 +29,11 @@ class CRTFImport : public CExternalViewImport, public CRTFReader {
     /// Reads one row whatever its number of cells; false when the file has ended before a row did.
     /// `NextRow` is this with a look at the cells.
     bool ReadCells();
-    /// The cells of the row that was read, in file order. Each `\cell` opens a new one, so that a
-    /// row of k table cells has k + 1: the last is what stands between its last `\cell` and `\row`.
-    std::span<const std::u16string> Cells() const { return {cells.data(), cellCount}; }
+    /// The first five cells of the row that was read, in file order. Each `\cell` opens a new one,
+    /// so that a row of k table cells has k + 1: the last is what stands behind its last `\cell`.
+    std::span<const std::u16string> Cells() const {
+        return std::span(cells).first(std::min(cellCount, cells.size()));
+    }
     /// The status that a cell holds: the decimal number at its start, behind white space and with
     /// an optional sign, kept to 32 bits by saturation; -1 if there is no digit.
     static std::int32_t StatusOf(std::u16string_view cell);
@@ -42,11 +45,10 @@ class CRTFImport : public CExternalViewImport, public CRTFReader {
   private:
     void OpenCell();
 
-    /// The cells of the row being read: the first `cellCount` entries. Each `\cell` opens a new
-    /// one, so that a row of k cells has k + 1. Entries behind them keep their memory for the next
+    /// The cells of the row being read that anyone asks for. They keep their memory for the next
     /// row.
-    std::vector<std::u16string> cells;
-    std::size_t cellCount = 0;
+    std::array<std::u16string, 5> cells;
+    std::size_t cellCount = 0;  ///< of all cells of the row
     std::int32_t lastPercent = -1;
 };
 
