@@ -1,5 +1,7 @@
 #include <generalutilities/text/distance.h>
 
+#include "text/cpu.h"
+#include "text/distance_forms.h"
 #include "textbook.h"
 
 #include <bit>
@@ -102,8 +104,9 @@ TEST(EditDistance, AgreesWithTheTextbookToTheLastBit) {
         for (int i = 0; i < 3; ++i) {
             const double penalty = penalties[random() % std::size(penalties)];
             const double expected = textbook::Distance(first, second, penalty);
-            for (const double got :
-                 {EditDistance(first, second, penalty), EditDistance(second, first, penalty)}) {
+            for (const double got : {EditDistance(first, second, penalty, HasAvx2()),
+                                     EditDistance(second, first, penalty, HasAvx2()),
+                                     EditDistance(first, second, penalty, false)}) {
                 ASSERT_EQ(std::bit_cast<std::uint64_t>(got), std::bit_cast<std::uint64_t>(expected))
                     << testing::PrintToString(first) << " and " << testing::PrintToString(second)
                     << " at " << penalty << ": " << got << ", not " << expected;

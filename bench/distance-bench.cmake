@@ -1,0 +1,1 @@
+generalutilities_bench(distance-bench LINK gu-text)
