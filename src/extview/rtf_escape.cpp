@@ -1,62 +1,151 @@
+// The text goes through a buffer, since a string that grows by a few units at a time spends most of
+// its time on growing. Only long runs of plain units, whose ends vectors find, are appended as they
+// are.
+
 #include "extview/rtf_escape.h"
 
-#include "extview/decimal.h"
+#include "platform/cpu.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
 
 namespace generalutilities::rtf {
 
 namespace {
 
-constexpr std::u16string_view LineEnd = u"\\par";
-constexpr std::u16string_view Tab = u"\\tab";
+constexpr auto PlainAscii = [] {
+    std::array<bool, 128> plain{};
+    for (std::size_t unit = 0x20; unit < plain.size(); ++unit) {
+        plain[unit] = unit != u'{' && unit != u'}' && unit != u'\\';
+    }
+    return plain;
+}();
 
-bool IsPlain(char16_t unit) {
-    return unit >= 0x20 && unit < 0x80 && unit != u'{' && unit != u'}' && unit != u'\\';
+constexpr bool IsPlain(char16_t unit) {
+    return unit < PlainAscii.size() && PlainAscii[unit];
 }
 
-void AppendControlCharacter(std::u16string& output, char16_t unit) {
+std::size_t PlainRun(std::u16string_view text) {
+    return HasAvx2() ? PlainRunByBlocks(text) : PlainRunUnitByUnit(text);
+}
+
+template <std::size_t Size>
+char16_t* Write(const char16_t (&literal)[Size], char16_t* out) {
+    return std::copy_n(literal, Size - 1, out);
+}
+
+char16_t* WriteControlCharacter(char16_t unit, char16_t* out) {
     constexpr char16_t HexDigits[] = u"0123456789ABCDEF";
-    output.append(u"\\'").append(1, HexDigits[unit >> 4]).append(1, HexDigits[unit & 0xF]);
+    out = Write(u"\\'", out);
+    *out++ = HexDigits[unit >> 4];
+    *out++ = HexDigits[unit & 0xF];
+    return out;
 }
 
-void AppendUnicode(std::u16string& output, char16_t unit) {
-    output.append(u"\\uc0\\u");
-    AppendDecimal(output, unit);
-    output.push_back(u' ');
+char16_t Digit(unsigned value) {
+    return static_cast<char16_t>(u'0' + value);
 }
+
+/// Of 128 and more, so there are three digits at least.
+char16_t* WriteUnicode(char16_t unit, char16_t* out) {
+    out = Write(u"\\uc0\\u", out);
+    if (unit >= 10000) {
+        *out++ = Digit(unit / 10000u);
+    }
+    if (unit >= 1000) {
+        *out++ = Digit(unit / 1000u % 10);
+    }
+    *out++ = Digit(unit / 100u % 10);
+    *out++ = Digit(unit / 10u % 10);
+    *out++ = Digit(unit % 10u);
+    *out++ = u' ';
+    return out;
+}
+
+/// The escaped text, in pieces.
+class Escapes {
+  public:
+    /// Escapes as much of the text as the buffer holds, and of a long plain run but the start; how
+    /// many units.
+    std::size_t Read(std::u16string_view text) {
+        end = buffer.data();
+        std::size_t position = 0;
+        while (position < text.size() &&
+               static_cast<std::size_t>(buffer.data() + buffer.size() - end) >= Longest) {
+            const char16_t unit = text[position];
+            if (!IsPlain(unit)) {
+                position += Escape(text.substr(position));
+                continue;
+            }
+            if (std::exchange(afterWord, false)) {
+                *end++ = u' ';
+            }
+            const std::size_t first = position;
+            const std::size_t most = std::min(text.size(), position + LongRun);
+            do {
+                *end++ = text[position++];
+            } while (position < most && IsPlain(text[position]));
+            if (position - first == LongRun) {
+                break;
+            }
+        }
+        return position;
+    }
+
+    std::u16string_view Text() const { return {buffer.data(), end}; }
+
+    /// Whether the text ends in a control word that a letter would lengthen.
+    bool AfterWord() const { return afterWord; }
+
+  private:
+    /// Longer plain runs are appended without the buffer.
+    static constexpr std::size_t LongRun = 16;
+    static constexpr std::size_t Longest = LongRun + 1;
+
+    /// Escapes one unit, or a CR LF; how many units.
+    std::size_t Escape(std::u16string_view text) {
+        const char16_t unit = text[0];
+        if (unit >= 0x80) {
+            end = WriteUnicode(unit, end);
+            afterWord = false;
+            return 1;
+        }
+        afterWord = unit == u'\t' || unit == u'\r' || unit == u'\n';
+        if (unit == u'\t') {
+            end = Write(u"\\tab", end);
+        } else if (afterWord) {
+            end = Write(u"\\par", end);
+            return text.starts_with(u"\r\n") ? 2 : 1;
+        } else if (unit < 0x20) {
+            end = WriteControlCharacter(unit, end);
+        } else {
+            *end++ = u'\\';
+            *end++ = unit;
+        }
+        return 1;
+    }
+
+    std::array<char16_t, 512> buffer;
+    char16_t* end = buffer.data();
+    bool afterWord = false;
+};
 
 }  // namespace
 
+std::size_t PlainRunUnitByUnit(std::u16string_view text) noexcept {
+    return static_cast<std::size_t>(std::find_if_not(text.begin(), text.end(), IsPlain) -
+                                    text.begin());
+}
+
 void AppendEscaped(std::u16string& output, std::u16string_view text) {
-    bool needBlank = false;  // the output ends in a control word that a letter would lengthen
-    std::size_t position = 0;
-    while (position < text.size()) {
-        const std::size_t first = position;
-        while (position < text.size() && IsPlain(text[position])) {
-            ++position;
-        }
-        if (position > first) {
-            if (needBlank) {
-                output.push_back(u' ');
-            }
-            output.append(text, first, position - first);
-            continue;
-        }
-        const char16_t unit = text[position++];
-        needBlank = unit == u'\r' || unit == u'\n' || unit == u'\t';
-        if (unit == u'\r' || unit == u'\n') {
-            if (unit == u'\r' && position < text.size() && text[position] == u'\n') {
-                ++position;
-            }
-            output.append(LineEnd);
-        } else if (unit == u'\t') {
-            output.append(Tab);
-        } else if (unit >= 0x80) {
-            AppendUnicode(output, unit);
-        } else if (unit < 0x20) {
-            AppendControlCharacter(output, unit);
-        } else {
-            output.append(1, u'\\').append(1, unit);
-        }
+    Escapes escapes;
+    while (!text.empty()) {
+        const std::size_t plain = escapes.AfterWord() ? 0 : PlainRun(text);
+        output.append(text, 0, plain);
+        text.remove_prefix(plain);
+        text.remove_prefix(escapes.Read(text));
+        output.append(escapes.Text());
     }
 }
 

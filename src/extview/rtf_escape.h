@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -9,5 +10,10 @@ namespace generalutilities::rtf {
 /// the format escaped, line ends and tabs as control words, everything else beyond ASCII as \u with
 /// its unsigned value. CR, LF and CR LF are one line end each.
 void AppendEscaped(std::u16string& output, std::u16string_view text);
+
+/// How many units at the start of a text stand for themselves in RTF. In two forms, which give the
+/// same answers; the second one needs HasAvx2() (platform/cpu.h).
+std::size_t PlainRunUnitByUnit(std::u16string_view text) noexcept;
+std::size_t PlainRunByBlocks(std::u16string_view text) noexcept;
 
 }  // namespace generalutilities::rtf

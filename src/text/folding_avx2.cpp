@@ -37,12 +37,6 @@ constexpr int PunctuationPage = 0x2000 >> PageBits;
 /// Where a block mixes letters of several pages, so do the next ones: they are not even looked at.
 constexpr int BlocksUntried = 3;
 
-/// All bits of the units from `first` to `last`, none of the others.
-AVX2 inline __m256i InRange(__m256i units, char16_t first, char16_t last) {
-    const __m256i offset = _mm256_sub_epi16(units, All(first));
-    return _mm256_cmpeq_epi16(_mm256_min_epu16(offset, All(last - first)), offset);
-}
-
 AVX2 inline bool IsCaseless(Block block) {
     const __m256i caseless = _mm256_and_si256(InRange(block.low, FirstCaseless, LastCaseless),
                                               InRange(block.high, FirstCaseless, LastCaseless));

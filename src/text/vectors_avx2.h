@@ -34,6 +34,12 @@ AVX2 inline __m256i All(int unit) {
     return _mm256_set1_epi16(static_cast<short>(unit));
 }
 
+/// All bits of the units from `first` to `last`, none of the others.
+AVX2 inline __m256i InRange(__m256i units, char16_t first, char16_t last) {
+    const __m256i offset = _mm256_sub_epi16(units, All(first));
+    return _mm256_cmpeq_epi16(_mm256_min_epu16(offset, All(last - first)), offset);
+}
+
 AVX2 inline bool IsAscii(Block block) {
     return _mm256_testz_si256(_mm256_or_si256(block.low, block.high), All(~0x7F)) != 0;
 }

@@ -12,7 +12,8 @@
 namespace generalutilities {
 namespace {
 
-AVX2 inline __m128i SixteenByTable(const char16_t* units) {
+/// In the lower half of a register.
+AVX2 inline __m128i EightByTable(const char16_t* units) {
     const std::uint8_t* classes = flat::Classes.data();
     __m128i found = _mm_cvtsi32_si128(classes[units[0]]);
     found = _mm_insert_epi8(found, classes[units[1]], 1);
@@ -21,16 +22,11 @@ AVX2 inline __m128i SixteenByTable(const char16_t* units) {
     found = _mm_insert_epi8(found, classes[units[4]], 4);
     found = _mm_insert_epi8(found, classes[units[5]], 5);
     found = _mm_insert_epi8(found, classes[units[6]], 6);
-    found = _mm_insert_epi8(found, classes[units[7]], 7);
-    __m128i more = _mm_cvtsi32_si128(classes[units[8]]);
-    more = _mm_insert_epi8(more, classes[units[9]], 1);
-    more = _mm_insert_epi8(more, classes[units[10]], 2);
-    more = _mm_insert_epi8(more, classes[units[11]], 3);
-    more = _mm_insert_epi8(more, classes[units[12]], 4);
-    more = _mm_insert_epi8(more, classes[units[13]], 5);
-    more = _mm_insert_epi8(more, classes[units[14]], 6);
-    more = _mm_insert_epi8(more, classes[units[15]], 7);
-    return _mm_unpacklo_epi64(found, more);
+    return _mm_insert_epi8(found, classes[units[7]], 7);
+}
+
+AVX2 inline __m128i SixteenByTable(const char16_t* units) {
+    return _mm_unpacklo_epi64(EightByTable(units), EightByTable(units + 8));
 }
 
 AVX2 inline __m256i Kinds(const char16_t* units) {

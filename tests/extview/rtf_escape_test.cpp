@@ -1,5 +1,7 @@
 #include "extview/rtf_escape.h"
 
+#include "platform/cpu.h"
+
 #include <gtest/gtest.h>
 #include <string>
 
@@ -58,6 +60,28 @@ TEST(RtfEscape, EachAsciiUnit) {
         EXPECT_EQ(Escape(std::u16string(1, unit)), expected) << static_cast<int>(unit);
     }
     EXPECT_EQ(Escape(u"\x80"), u"\\uc0\\u128 ");
+}
+
+TEST(RtfEscape, FindsTheSamePlainRunByBlocksAsUnitByUnit) {
+    if (!HasAvx2()) {
+        GTEST_SKIP() << "no processor for the vector form";
+    }
+    for (unsigned unit = 0; unit < 0x10000; ++unit) {
+        std::u16string text(50, u'~');
+        text[unit % 50] = static_cast<char16_t>(unit);
+        ASSERT_EQ(PlainRunByBlocks(text), PlainRunUnitByUnit(text)) << std::hex << unit;
+    }
+}
+
+/// What is escaped goes through a buffer of limited size.
+TEST(RtfEscape, EscapesALongTextAsItsParts) {
+    std::u16string text;
+    std::u16string expected;
+    for (int i = 0; i < 300; ++i) {
+        text += u"\u5B57\r\n";
+        expected += u"\\uc0\\u23383 \\par";
+    }
+    EXPECT_EQ(Escape(text), expected);
 }
 
 }  // namespace

@@ -1,0 +1,1 @@
+generalutilities_bench(rtf-escape-bench LINK gu-extview)
