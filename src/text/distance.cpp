@@ -14,7 +14,7 @@
 // costs nothing, and whatever else a way does with them costs no less in any order of adding. None
 // of this holds below zero, where the band is the whole matrix.
 
-#include "text/cpu.h"
+#include "platform/cpu.h"
 #include "text/distance_forms.h"
 #include "text/edit_count.h"
 #include "text/flat_tables.h"

@@ -10,7 +10,7 @@
 
 #include "text/edit_count.h"
 
-#include "text/cpu.h"
+#include "platform/cpu.h"
 
 #include <algorithm>
 #include <array>

@@ -1,6 +1,6 @@
 #include <generalutilities/text/distance.h>
 
-#include "text/cpu.h"
+#include "platform/cpu.h"
 #include "text/distance_forms.h"
 #include "textbook.h"
 
