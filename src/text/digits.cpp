@@ -4,6 +4,7 @@
 
 #include <generalutilities/text/digits.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 
@@ -100,14 +101,40 @@ constexpr DigitTable Table = [] {
     return table;
 }();
 
+constexpr std::size_t BlockSize = 32;
+
+/// Whether a block holds only Latin, Greek, Cyrillic, Hebrew and their punctuation, where the table
+/// has nothing but superscripts and fractions. A loop that compilers turn into vector code.
+bool HasNothing(const char16_t* block) {
+    std::uint16_t found = 0;
+    for (std::size_t i = 0; i < BlockSize; ++i) {
+        const std::uint16_t unit = block[i];
+        const bool smallOnes = static_cast<std::uint16_t>(unit - 0x00B2) <= 0x00BE - 0x00B2;
+        const bool punctuation = static_cast<std::uint16_t>(unit - 0x1950) < 0x2070 - 0x1950;
+        found = static_cast<std::uint16_t>(
+            found | (smallOnes | ((unit >= 0x0660) & static_cast<int>(!punctuation))));
+    }
+    return found == 0;
+}
+
 }  // namespace
 
 void FoldDigitsTo(std::u16string_view text, bool mapAllNumerals, char16_t* out) {
     const auto& rows = mapAllNumerals ? Table.numerals : Table.digits;
-    for (const char16_t unit : text) {
-        const char digit =
-            rows[Table.index[unit / DigitTable::RowUnits]][unit % DigitTable::RowUnits];
-        *out++ = digit != 0 ? static_cast<char16_t>(digit) : unit;
+    while (!text.empty()) {
+        const std::size_t size = std::min(text.size(), BlockSize);
+        if (size == BlockSize && HasNothing(text.data())) {
+            std::copy_n(text.data(), BlockSize, out);
+        } else {
+            for (std::size_t i = 0; i < size; ++i) {
+                const char16_t unit = text[i];
+                const char digit =
+                    rows[Table.index[unit / DigitTable::RowUnits]][unit % DigitTable::RowUnits];
+                out[i] = digit != 0 ? static_cast<char16_t>(digit) : unit;
+            }
+        }
+        text.remove_prefix(size);
+        out += size;
     }
 }
 
