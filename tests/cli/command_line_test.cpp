@@ -1,9 +1,10 @@
+#include "case_table.h"
 #include "program.h"
+#include "unicode.h"
 
-#include <fstream>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
+#include <regex>
 
 namespace generalutilities::cli_test {
 namespace {
@@ -12,63 +13,46 @@ using nlohmann::json;
 using testing::HasSubstr;
 using testing::Not;
 
-/// A command line and what must come of it. `output` and `error` are pieces of the two streams.
-struct CommandLine {
-    std::vector<std::string> arguments;
-    int exitCode;
-    std::string output;
-    std::string error;
-    std::string input = {};
-};
-
-void Check(const std::vector<CommandLine>& lines) {
-    for (const CommandLine& line : lines) {
-        const Result result = Genutil(line.arguments, {.input = line.input});
-        const std::string called = testing::PrintToString(line.arguments);
-        EXPECT_EQ(result.exitCode, line.exitCode) << called << result.error;
-        EXPECT_THAT(result.output, HasSubstr(line.output)) << called;
-        EXPECT_THAT(result.error, HasSubstr(line.error)) << called;
-        EXPECT_THAT(result.output + result.error, Not(HasSubstr("\x1b"))) << called;
-        if (line.exitCode >= 2) {
-            EXPECT_THAT(result.error, testing::StartsWith("genutil: ")) << called;
-        }
-    }
+void Check(const std::vector<std::string>& arguments, int exitCode, const std::string& output,
+           const std::string& error, const std::string& input = {}) {
+    const Result result = Genutil(arguments, {.input = input});
+    SCOPED_TRACE(testing::PrintToString(arguments) + result.error);
+    EXPECT_EQ(result.exitCode, exitCode);
+    EXPECT_THAT(result.output, HasSubstr(output));
+    EXPECT_THAT(result.error, HasSubstr(error));
+    EXPECT_THAT(result.output + result.error, Not(HasSubstr("\x1b")));
+    EXPECT_TRUE(exitCode < 2 || result.error.starts_with("genutil: "));
 }
 
-TEST(CommandLine, WrongUseIsToldWithoutRunningAnything) {
-    Check({
-        {{}, 2, "", "subcommand is required"},
-        {{"nonsense"}, 2, "", "\"nonsense\" is no command"},
-        {{"--nonsense"}, 2, "", "\"--nonsense\" is no option"},
-        {{"export", "p", "--nonsense"}, 2, "", "\"--nonsense\" is no option"},
-        {{"classes", "A", "B"}, 2, "", "\"B\""},
-        {{"text"}, 2, "", "Try: genutil text --help"},
-        {{"text", "upper", "--size", "3"}, 2, "", "--size"},
-        {{"text", "key", "--size", "0", "x"}, 2, "", "--size"},
-        {{"text", "words", "--language", "xx-YY", "x"}, 2, "", "\"xx-YY\" is no known language"},
-        {{"text", "words", "--language", "70000", "x"}, 2, "", "no known language"},
-        {{"text", "upper", "good", "b\xFF"},
-         2,
-         "",
-         "TEXT 2, byte offset 1, byte 0xFF: not valid UTF-8"},
-        {{"language", "name", "klingon"}, 2, "", "\"klingon\" is no known language"},
-        {{"text", "find", "b\xFF", "x"}, 2, "", "SOUGHT: byte 1 is not valid UTF-8"},
-        {{"text", "find", "a", "--start", "0", "x"}, 2, "", "--start"},
-        {{"text", "generate", "--script", "40"}, 2, "", "--script 40: no such script key"},
-        {{"export", "p"}, 2, "", "required"},
-        {{"export", "p", "-o", "x", "-l", "fr", "--color-exact", "red"}, 2, "", "#RRGGBB"},
-        {{"export", "p", "-o", "x", "-l", "fr", "--source-font", "A;B"}, 2, "", "A;B"},
-        {{"export", "p", "-o", "x", "-l", "fr", "--status-value"}, 2, "", "--status-column"},
-        {{"export", "p", "-o", "x", "-l", "fr", "--only-pending", "--only-translated"},
-         2,
-         "",
-         "excludes"},
-        {{"export", "p", "-o", "x", "-l", "fr", "--order-by", "Freq"}, 2, "", "--file lexicon"},
-        {{"export", "p", "-o", "x", "-l", "fr", "--progress", "loud"}, 2, "", "--progress"},
-        {{"import", "p", "f"}, 2, "", "--language"},
-        {{"import", "p", "f", "-l", "fr", "--report", "pdf"}, 2, "", "--report"},
-        {{"import", "p", "f", "-l", "fr", "--report", "text", "--json"}, 2, "", "--json"},
-    });
+TEST(CommandLine, Answers) {
+    const TemporaryFolder folder;
+    folder.Write("lines.txt", "x\nStra\u00DFe\r\n");
+    folder.Write("old.txt", "\xCF\xF0\xFF\n");
+    for (const auto& row : CaseTable("command_lines.tsv")) {
+        std::vector<std::string> arguments = Arguments(row[0]);
+        for (std::string& argument : arguments) {
+            argument = std::regex_replace(argument, std::regex("^\\$F"), folder.Path().string());
+        }
+        Check(arguments, Number(row[1]), cli::ToUtf8(row[2]), cli::ToUtf8(row[3]),
+              cli::ToUtf8(row[4]));
+    }
+    // Bytes that are no UTF-8.
+    Check({"text", "upper", "good", "b\xFF"}, 2, "",
+          "TEXT 2, byte offset 1, byte 0xFF: not valid UTF-8");
+    Check({"text", "find", "b\xFF", "x"}, 2, "", "SOUGHT: byte 1 is not valid UTF-8");
+    Check({"text", "upper"}, 3, "", "line 2, byte offset 4, byte 0xFF: not valid UTF-8",
+          "ab\nc\xFFx\n");
+    Check({"codepage", "convert", "--from", "65001", "--to", "1251", folder / "new.txt"}, 0,
+          "\xCF\xF0\xFF\n", "");
+    Check({"codepage", "convert", "--from", "65001", "--to", "866"}, 0, "\xA1", "",
+          "\xEF\xBB\xBF\xD0\xB1");
+    Check({"codepage", "convert", "--from", "932"}, 3, "",
+          "standard input, byte offset 3, byte 0x83: no character of code page 932 begins here",
+          "a\x83\x65\x83");
+    Check({"codepage", "convert", "--from", "65001", "--to", "1252", "--replace", "-"}, 0, "\xE9?",
+          "warning: standard input, byte offset 2", "é\xD0\x90");
+    EXPECT_THAT(Genutil({"codepage", "list"}).output,
+                HasSubstr("\n1361\ticonv\tJOHAB\tKorean (Johab)\n"));
 }
 
 TEST(CommandLine, HelpSuffices) {
@@ -83,112 +67,7 @@ TEST(CommandLine, HelpSuffices) {
     }
 }
 
-TEST(CommandLine, ConvertsTexts) {
-    Check({
-        {{"text", "upper", "straße", "éa"}, 0, "STRASSE\nÉA\n", ""},
-        {{"text", "deaccent", "Crème brûlée"}, 0, "Creme brulee\n", ""},
-        {{"text", "simplify", "「a」"}, 0, "(a)\n", ""},
-        {{"text", "simplify", "--language", "el-GR", "τι;"}, 0, "τι?\n", ""},
-        {{"text", "key", "  {1}Hello   42 worlds "}, 0, "Hello worlds\n", ""},
-        {{"text", "key", "--size", "2", "ab cd"}, 0, "ab\n", ""},
-        {{"text", "upper"}, 0, "AB\n\nCD\n", "", "ab\n\r\ncd"},
-        {{"text", "words", "--language", "fr-FR", "l'homme a 1 000,50 {1}"},
-         0,
-         "word\tl'\nword\thomme\nseparator\t \nword\ta\nseparator\t \ndigit\t1 000,50\n"
-         "separator\t \ncode\t{1}\n",
-         ""},
-        {{"text", "words", "漢", "a\tb"}, 0, "dbcs\t漢\n\nword\ta\nseparator\t␉\nword\tb\n", ""},
-        {{"language", "name", "ja-JP", "1049"}, 0, "日本語\nРусский\n", ""},
-        {{"language", "name", "1171", "de"}, 1, "Deutsch\n", "quc-CO (1171): no name is known"},
-        {{"text", "upper"},
-         3,
-         "",
-         "line 2, byte offset 4, byte 0xFF: not valid UTF-8",
-         "ab\nc\xFFx\n"},
-    });
-}
-
-TEST(CommandLine, ConvertsCodePages) {
-    const TemporaryFolder folder;
-    const std::string file = folder.Write("old.txt", "\xCF\xF0\xFF\n");
-    const std::string result = folder / "new.txt";
-    Check({
-        {{"codepage", "convert", "--from", "1251", file}, 0, "Пря\n", ""},
-        {{"codepage", "convert", "--from", "1251", file, "-o", result}, 0, "", ""},
-        {{"codepage", "convert", "--from", "1251", file, "-o", result}, 3, "", "exists"},
-        {{"codepage", "convert", "--from", "65001", "--to", "1251", result},
-         0,
-         "\xCF\xF0\xFF\n",
-         ""},
-        {{"codepage", "convert", "--from", "65001", "--to", "866"},
-         0,
-         "\xA1",
-         "",
-         "\xEF\xBB\xBF\xD0\xB1"},
-        {{"codepage", "convert", "--from", "1252"}, 0, "", "", ""},
-        {{"codepage", "convert", "--from", "932"},
-         3,
-         "",
-         "standard input, byte offset 3, byte 0x83: no character of code page 932 begins here",
-         "a\x83\x65\x83"},
-        {{"codepage", "convert", "--from", "65001", "--to", "1252"},
-         3,
-         "",
-         "byte offset 2, byte 0xD0: U+0410 is not in code page 1252; --replace",
-         "é\xD0\x90"},
-        {{"codepage", "convert", "--from", "65001", "--to", "1252", "--replace", "-"},
-         0,
-         "\xE9?",
-         "warning: standard input, byte offset 2",
-         "é\xD0\x90"},
-        {{"codepage", "convert", "--from", "10001"}, 2, "", "--from 10001: this code page is not"},
-        {{"codepage", "convert", "--from", "1251", folder / "none"}, 3, "", "No such file"},
-        {{"codepage", "fits", "café", "שלום"}, 0, "1252 1250 1254 1256 1257 1258 936\n1255\n", ""},
-        {{"codepage", "fits", "אб"}, 1, "\n", ""},
-        {{"codepage", "fits", "--code-page", "1252"},
-         1,
-         "yes\nno\t7\tU+03A9\n",
-         "",
-         "A\nnaïve Ω\n"},
-        {{"codepage", "fits", "-c", "99999", "A"}, 2, "", "--code-page 99999"},
-    });
-    EXPECT_THAT(Genutil({"codepage", "list"}).output,
-                HasSubstr("\n1361\ticonv\tJOHAB\tKorean (Johab)\n"));
-}
-
-TEST(CommandLine, SearchesAndMeasuresTexts) {
-    const TemporaryFolder folder;
-    const std::string file = folder / "lines.txt";
-    std::ofstream(file) << "x\nStra\u00DFe\r\n";
-    Check({
-        {{"text", "find", "cat", "a CAT, cat"}, 0, "1\t3\t3\tCAT\n", ""},
-        {{"text", "find", "cat", "a CAT, cat", "--match-case"}, 0, "1\t8\t3\tcat\n", ""},
-        {{"text", "find", "A", "--all", "aXa", "\xF0\x9F\x98\x80 a"},
-         0,
-         "1\t1\t1\ta\n1\t3\t1\ta\n2\t4\t1\ta\n",
-         ""},
-        {{"text", "find", "", "--all", "ab", "--start", "2"}, 0, "1\t2\t0\t\n", ""},
-        {{"text", "find", "STRASSE", "--file", file}, 0, "2\t1\t6\tStra\u00DFe\n", ""},
-        {{"text", "find", "cat", "--whole-word"}, 1, "", "", "catalog\n"},
-        {{"text", "find", "b", "--match-case"},
-         1,
-         "",
-         "ends at this U+0000",
-         std::string("a\0b", 3)},
-        {{"text", "find", "b", "--file", folder / "none"},
-         3,
-         "",
-         "none cannot be read: No such file"},
-        {{"text", "find", "b", "--file", folder.Path().string()},
-         3,
-         "",
-         "cannot be read: Is a directory"},
-        {{"text", "distance", "Flaw", "flaw", "lawn", "--case-penalty", "0.1"}, 0, "0.1\n2\n", ""},
-        {{"text", "distance", "a", "A", "--case-penalty", "nan"}, 0, "2\n", ""},
-        {{"text", "fold-digits", "\u0664\u2169\u4E8C\u5341"}, 0, "4020\n", ""},
-        {{"text", "fold-digits", "--digits-only", "\u2169\u2168"}, 0, "\u21699\n", ""},
-        {{"text", "generate", "--script", "33", "--length", "0"}, 0, "\n", ""},
-    });
+TEST(CommandLine, GivesSearchesAndMeasuresAsJson) {
     const json found =
         json::parse(Genutil({"text", "find", "b", "abB", "x", "--all", "--json"}).output);
     EXPECT_EQ(found["results"][0]["matches"], json::parse(R"([{"position":2,"length":1,"text":"b"},
@@ -243,14 +122,6 @@ TEST(CommandLine, ListsWhatTheTypeInformationSays) {
     EXPECT_EQ(methods[0]["name"], "ExportExternalView");
     EXPECT_EQ(methods[0]["id"], 1);
     EXPECT_EQ(methods[0]["arguments"].size(), 15U);
-
-    Check({
-        {{"classes", "StringUtils"}, 0, "ToUpper(", ""},
-        {{"classes", "GeneralUtilities.LongSet"}, 0, "ILongSet (default)", ""},
-        {{"classes", "WordTypeEnum"}, 0, "qlnwtCode = 4", ""},
-        {{"classes", "_IExtViewHelperEvents"}, 0, "[2] ImportProgress(", ""},
-        {{"classes", "NoSuchClass"}, 1, "", "NoSuchClass"},
-    });
 }
 
 TEST(CommandLine, RegistersInTheUsersDataFolder) {

@@ -1,10 +1,14 @@
 #include "program.h"
 
+#include "unicode.h"
+
 #include <cerrno>
 #include <fcntl.h>
 #include <poll.h>
 #include <pty.h>
+#include <regex>
 #include <signal.h>
+#include <sstream>
 #include <stdexcept>
 #include <stdlib.h>
 #include <sys/resource.h>
@@ -113,6 +117,16 @@ Result Run(const std::string& program, const std::vector<std::string>& arguments
     waitpid(child, &status, 0);
     result.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
     return result;
+}
+
+std::vector<std::string> Arguments(const std::u16string& cell) {
+    std::vector<std::string> arguments;
+    std::istringstream list(cli::ToUtf8(cell));
+    for (std::string word; std::getline(list, word, ' ');) {
+        word = std::regex_replace(word, std::regex("␣"), " ");
+        arguments.push_back(word == "∅" ? "" : word);
+    }
+    return arguments;
 }
 
 Result Genutil(const std::vector<std::string>& arguments, const Surroundings& surroundings) {

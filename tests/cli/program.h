@@ -26,6 +26,9 @@ struct Result {
 Result Run(const std::string& program, const std::vector<std::string>& arguments,
            const Surroundings& surroundings = {});
 
+/// The words of a cell of a table of cases: ␣ stands for a blank in a word, ∅ for an empty word.
+std::vector<std::string> Arguments(const std::u16string& cell);
+
 /// Runs genutil.
 Result Genutil(const std::vector<std::string>& arguments, const Surroundings& surroundings = {});
 

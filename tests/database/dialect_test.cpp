@@ -1,5 +1,6 @@
 #include "platform/database/sqlite/dialect.h"
 
+#include "case_table.h"
 #include "database/project_fixture.h"
 
 namespace generalutilities {
@@ -11,33 +12,14 @@ using sqlite::Translation;
 class Dialect : public ProjectTest {};
 
 TEST_F(Dialect, ExpressionsKeepTheirMeaning) {
-    const std::pair<const char16_t*, FieldValue> cases[] = {
-        {u"7 \\ 2", 3},
-        {u"-7 Mod 3", -1},
-        {u"7 mod 4 * 2", 7},      // 7 Mod 8
-        {u"100 \\ 3 * 4", 8},     // 100 \ 12
-        {u"20 \\ 6 Mod 2", 1},    // 3 Mod 2
-        {u"17 Mod 10 \\ 2", 2},   // 17 Mod 5
-        {u"1 + 7 Mod 4 - 2", 2},  // 1 + 3 - 2
-        {u"8 \\ 3 \\ 2", 1},
-        {u"- (7 \\ 2) Mod 2", -1},
-        {u"7 / 2", 3.5},
-        {u"5.5 Mod 2", 1.0},
-        {u"'a' & 1 + 2 & \"b\"", Text(u"a3b")},
-        {u"'a' & Null & 'b'", Text(u"ab")},
-        {u"'it''s' & \"a\"\"b\"", Text(u"it'sa\"b")},
-        {u"'7 \\ 2 Mod [x] & ''' & 1", Text(u"7 \\ 2 Mod [x] & '1")},
-        {u"True", -1},
-        {u"True & False", Text(u"-10")},
-        {u"2147483648", 2147483648.0},
-        {u".5", 0.5},
-        {u"(SELECT 9 \\ 2)", 4},
-        {u"ABS(-9 \\ 2) Mod 3", 1},
-        {u"Null", FieldValue()},
-    };
-    for (const auto& [expression, value] : cases) {
-        const std::u16string query = std::u16string(u"SELECT ") + expression + u" As x";
-        EXPECT_EQ(Value(query), value) << files::ToUtf8Lossy(query);
+    for (const auto& row : CaseTable("expressions.tsv")) {
+        const std::u16string value = row[1].substr(1);
+        EXPECT_EQ(Value(u"SELECT " + row[0] + u" As x"),
+                  row[1][0] == u'T'   ? Text(value)
+                  : row[1][0] == u'L' ? FieldValue(Number(value))
+                  : row[1][0] == u'D' ? FieldValue(std::stod(Bytes(value)))
+                                      : FieldValue())
+            << Bytes(row[0]);
     }
 }
 
@@ -55,48 +37,20 @@ TEST(DialectText, QueriesThatDifferInLiteralsHaveOneText) {
 }
 
 TEST(DialectText, KnowsTheSelectionsOfOneTable) {
-    struct Case {
-        const char16_t* query;
-        const char* table;
-    };
-    for (const Case& c :
-         {Case{u"SELECT * FROM [Pa irs];", "Pa irs"}, Case{u"SELECT a FROM b As c WHERE d", "b"},
-          Case{u"SELECT a FROM b c ORDER BY d", "b"}, Case{u"SELECT a FROM b, c", ""},
-          Case{u"SELECT a FROM b INNER JOIN c ON d = e", ""}, Case{u"SELECT DISTINCT a FROM b", ""},
-          Case{u"SELECT a FROM b GROUP BY a", ""}, Case{u"SELECT a FROM (SELECT a FROM b)", ""},
-          Case{u"SELECT a FROM b WHERE c IN (SELECT d FROM e GROUP BY d)", "b"},
-          Case{u"SELECT a FROM b WHERE c UNION SELECT d FROM e", ""},
-          Case{u"SELECT a FROM b.c", ""}, Case{u"SELECT 1", ""}}) {
+    for (const auto& row : CaseTable("one_table.tsv")) {
         Translation translation;
         std::string problem;
-        ASSERT_TRUE(Translate(c.query, translation, problem)) << problem;
-        EXPECT_EQ(translation.table, c.table) << files::ToUtf8Lossy(c.query);
+        ASSERT_TRUE(Translate(row[0], translation, problem)) << problem;
+        EXPECT_EQ(translation.table, Bytes(row[1])) << Bytes(row[0]);
     }
 }
 
 TEST(DialectText, SaysWhatIsWrongAndWhere) {
-    struct Case {
-        const char16_t* query;
-        const char* problem;
-    };
-    for (const Case& c :
-         {Case{u"", "a query begins with"}, Case{u"PRAGMA user_version", "a query begins with"},
-          Case{u"ATTACH 'x' AS y", "a query begins with"}, Case{u"COMMIT", "a query begins with"},
-          Case{u"SELECT 'abc", "a text without its closing quote (character 8)"},
-          Case{u"SELECT [abc", "brackets that is empty or not closed (character 8)"},
-          Case{u"SELECT []", "brackets that is empty or not closed (character 8)"},
-          Case{u"SELECT 1; DROP TABLE Pairs", "more than one statement (character 9)"},
-          Case{u"SELECT #1/1/2000#", "dates between # signs are not supported (character 8)"},
-          Case{u"SELECT ID FROM Pairs WHERE ID Like 'a*'", "Like is not supported (character 31)"},
-          Case{u"SELECT a ^ 2", "no meaning in a query (character 10)"},
-          Case{u"SELECT ?1", "no meaning in a query (character 8)"},
-          Case{u"SELECT 1e999", "a number that is too large (character 8)"},
-          Case{u"SELECT [a\xD800]", "no well-formed text (character 8)"},
-          Case{u"CREATE TABLE a (b TEXT DEFAULT '\xDC00')", "not well-formed (character 32)"}}) {
+    for (const auto& row : CaseTable("wrong_queries.tsv")) {
         Translation translation;
         std::string problem;
-        EXPECT_FALSE(Translate(c.query, translation, problem)) << files::ToUtf8Lossy(c.query);
-        EXPECT_NE(problem.find(c.problem), std::string::npos) << problem;
+        EXPECT_FALSE(Translate(row[0], translation, problem)) << Bytes(row[0]);
+        EXPECT_NE(problem.find(Bytes(row[1])), std::string::npos) << problem;
     }
 }
 

@@ -130,24 +130,6 @@ TEST_F(Engine, KeepsABoundedNumberOfStatements) {
     EXPECT_LE(prepared, static_cast<int>(sqlite::Connection::StatementsKept));
 }
 
-TEST_F(Engine, ADynasetOpensOnKeysAloneWhereItCan) {
-    struct Case {
-        const char16_t* query;
-        const char* keys;
-    };
-    for (const Case& c : {Case{u"SELECT ID, Source FROM Pairs WHERE Done = 1",
-                               "SELECT rowid FROM Pairs WHERE Done = ?1 ORDER BY rowid"},
-                          Case{u"SELECT ID As a FROM Pairs ORDER BY a",
-                               "SELECT ID As a , rowid FROM Pairs ORDER BY a"}}) {
-        Query(c.query);
-        bool found = false;
-        for (auto* s = sqlite3_next_stmt(raw, nullptr); s; s = sqlite3_next_stmt(raw, s)) {
-            found = found || std::string_view(sqlite3_sql(s)) == c.keys;
-        }
-        EXPECT_TRUE(found) << c.keys;
-    }
-}
-
 TEST_F(Engine, AFullDiskIsNamed) {
     sqlite3_exec(raw, "PRAGMA max_page_count = 12", nullptr, nullptr, nullptr);
     const std::u16string text(5000, u'x');

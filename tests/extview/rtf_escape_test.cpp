@@ -1,9 +1,7 @@
 #include "extview/rtf_escape.h"
 
+#include "case_table.h"
 #include "platform/cpu.h"
-
-#include <gtest/gtest.h>
-#include <string>
 
 namespace generalutilities::rtf {
 namespace {
@@ -15,31 +13,8 @@ std::u16string Escape(std::u16string_view text) {
 }
 
 TEST(RtfEscape, Texts) {
-    struct {
-        const char16_t* text;
-        const char16_t* expected;
-    } const cases[] = {
-        {u"", u""},
-        {u"{12}", u"\\{12\\}"},
-        {u"a\\b", u"a\\\\b"},
-        {u"a\rb", u"a\\par b"},
-        {u"a\r\nb", u"a\\par b"},
-        {u"a\nb", u"a\\par b"},
-        {u"a\n\rb", u"a\\par\\par b"},  // only CR LF is one line end
-        {u"a\r\r\nb", u"a\\par\\par b"},
-        {u"a\n{b", u"a\\par\\{b"},        // no blank in front of what is no letter
-        {u"a\n\n b", u"a\\par\\par  b"},  // a blank of the text needs one in front, too
-        {u"a\tb\t\tc", u"a\\tab b\\tab\\tab c"},
-        {u"\n\u00E9x", u"\\par\\uc0\\u233 x"},
-        {u"\n\1x", u"\\par\\'01x"},
-        {u"line\n", u"line\\par"},
-        {u"\u00E9", u"\\uc0\\u233 "},
-        {u"\u05D0\u05D1", u"\\uc0\\u1488 \\uc0\\u1489 "},
-        {u"\U0001F600", u"\\uc0\\u55357 \\uc0\\u56832 "},
-        {u"\uFFFF", u"\\uc0\\u65535 "},
-    };
-    for (const auto& [text, expected] : cases) {
-        EXPECT_EQ(Escape(text), expected) << testing::PrintToString(text);
+    for (const auto& row : CaseTable("rtf_escapes.tsv")) {
+        EXPECT_EQ(Escape(row[0]), row[1]);
     }
 }
 

@@ -1,16 +1,12 @@
 #include <generalutilities/extview/segment_text.h>
 
-#include <gtest/gtest.h>
+#include "case_table.h"
+
 #include <random>
 #include <string>
 
 namespace generalutilities {
 namespace {
-
-struct Case {
-    const char16_t* text;
-    const char16_t* expected;
-};
 
 // The obvious versions: they rewrite the text again and again, as the rules are told.
 
@@ -50,34 +46,14 @@ std::u16string EraseBraces(std::u16string text) {
 }
 
 TEST(StripCodeMarkers, LeavesTheShownText) {
-    const Case cases[] = {
-        {u"a\6shown\7hidden\bz", u"ashownz"},
-        {u"\6one\7x\b\6two\7y\b", u"onetwo"},
-        {u"\6\7hidden\b", u""},
-        {u"a\6shown\bz\7y", u"ashownzy"},    // the end comes before the hidden text
-        {u"a\6shown\7rest", u"ashownrest"},  // no U+0008: only the marks go
-        {u"a\6b", u"ab"},                    // no end at all: it loses itself
-        {u"a\7b\bc", u"abc"},                // ends without a beginning
-        {u"\6a\6b\7x\bc\7y\bd", u"abcd"},    // a code inside the shown text
-    };
-    for (const auto& [text, expected] : cases) {
-        EXPECT_EQ(StripCodeMarkers(text), expected) << testing::PrintToString(text);
+    for (const auto& row : CaseTable("code_markers.tsv")) {
+        EXPECT_EQ(StripCodeMarkers(row[0]), row[1]);
     }
 }
 
 TEST(StripBraces, RemovesGroups) {
-    const Case cases[] = {
-        {u"a{1}b{22}c", u"abc"},
-        {u"{}", u""},
-        {u"a{b{c}d}e", u"ad}e"},  // the first brace ends the group
-        {u"a{never closed", u"a"},
-        {u"a\\{b}c", u"a\\{b}c"},   // escaped
-        {u"a\\\\{b}c", u"a\\\\c"},  // an escaped backslash
-        {u"a\\\\\\{b}c", u"a\\\\\\{b}c"},
-        {u"a{b\\}c}d", u"ac}d"},  // inside a group a backslash is nothing special
-    };
-    for (const auto& [text, expected] : cases) {
-        EXPECT_EQ(StripBraces(text), expected) << testing::PrintToString(text);
+    for (const auto& row : CaseTable("braces.tsv")) {
+        EXPECT_EQ(StripBraces(row[0]), row[1]);
     }
 }
 

@@ -1,6 +1,6 @@
 #include <generalutilities/extview/source_key.h>
 
-#include <gtest/gtest.h>
+#include "case_table.h"
 
 namespace generalutilities {
 namespace {
@@ -8,32 +8,9 @@ namespace {
 constexpr std::int32_t English = 1033;
 
 TEST(MakeSourceKey, KeepsWordsAndWhatStandsBetween) {
-    const std::u16string fortyNine(49, u'w');
-    struct {
-        std::u16string text;
-        std::u16string expected;
-    } const cases[] = {
-        {u"", u""},
-        {u"   ", u""},
-        {u"12 34 ...", u""},
-        {u"  Hello,   world!  ", u"Hello, world"},
-        {u"Page 12 of 34", u"Page of"},  // the blanks around a number become one
-        {u"{1}Press {2}the{3} key{4}", u"Press the key"},
-        {u"... then", u"then"},                  // nothing before the first word
-        {u"a, 5. b", u"a, . b"},                 // separators of two runs are joined
-        {u"\u6F22\u5B57 a", u"\u6F22\u5B57 a"},  // East Asian units count as words
-        {fortyNine + u" tail", fortyNine},       // cut behind the blank, which then goes, too
-        {std::u16string(60, u'w'), std::u16string(50, u'w')},
-        {fortyNine + u"w tail", fortyNine + u"w"},
-    };
-    for (const auto& [text, expected] : cases) {
-        EXPECT_EQ(MakeSourceKey(text, English), expected) << testing::PrintToString(text);
+    for (const auto& row : CaseTable("source_keys.tsv")) {
+        EXPECT_EQ(MakeSourceKey(row[0], Number(row[2])), row[1]);
     }
-}
-
-TEST(MakeSourceKey, UsesTheSeparatorsOfTheLanguage) {
-    EXPECT_EQ(MakeSourceKey(u"a 1'000 b", 2055), u"a b");
-    EXPECT_EQ(MakeSourceKey(u"a 1'000 b", English), u"a ' b");
 }
 
 TEST(CompareForm, DropsNumbersAndOuterBlanksAlone) {
