@@ -8,6 +8,7 @@
 #include "extview/rtf/rtf_import.h"
 #include "extview/rtf_table_export.h"
 #include "extview/text_file_component.h"
+#include "frame/bstr_text.h"
 #include "frame/error_reporting.h"
 #include "platform/files/files.h"
 
@@ -16,11 +17,6 @@
 namespace generalutilities {
 
 namespace {
-
-std::u16string_view View(BSTR string) {
-    return string == nullptr ? std::u16string_view()
-                             : std::u16string_view(string, SysStringLen(string));
-}
 
 /// The host's 0x00BBGGRR as 0x00RRGGBB.
 std::int32_t RedFirst(std::int32_t color) {

@@ -1,16 +1,20 @@
 #include "module/class_table.h"
 
+#include <generalutilities/automation/dictionary.h>
 #include <generalutilities/automation/text_file.h>
 #include <generalutilities/interfaces/class_ids.h>
 
 #include "collections/dictionary_component.h"
 #include "collections/long_set_component.h"
 #include "collections/long_stack_component.h"
+#include "collections/scripting_dictionary_component.h"
 #include "collections/sort_component.h"
 #include "extview/ext_view_helper_component.h"
 #include "extview/text_file_component.h"
+#include "tagged/code_page_helper_component.h"
 #include "text/string_utils_component.h"
 
+#include <algorithm>
 #include <mutex>
 
 namespace generalutilities {
@@ -30,7 +34,7 @@ constexpr ClassRow Rows[] = {
      TYPEFLAG_FCANCREATE, CreateStandalone<CQLNDictionary>},
     // The type library has always spelled this one's help string with an extra letter.
     {u"CodePageHelper", CLSID_CodePageHelper, u"ICodePageHelper", nullptr, u"CodePagerHelper Class",
-     TYPEFLAG_FCANCREATE, nullptr},
+     TYPEFLAG_FCANCREATE, CreateStandalone<CCodePageHelper>},
     {u"QLNSort", CLSID_QLNSort, u"IQLNSort", nullptr, u"QLNSort Class", TYPEFLAG_FCANCREATE,
      CreateStandalone<CQLNSort>},
     {u"ExtViewHelper", CLSID_ExtViewHelper, u"IExtViewHelper", u"_IExtViewHelperEvents",
@@ -45,11 +49,13 @@ constexpr ClassRow Rows[] = {
 /// own in their place.
 struct ServiceRow {
     const CLSID& clsid;
+    const char16_t* progId;  ///< known without any registration; null for none
     Creator create;
 };
 
 constexpr ServiceRow Services[] = {
-    {CLSID_TextFileFactory, CreateStandalone<CTextFileFactory>},
+    {CLSID_TextFileFactory, nullptr, CreateStandalone<CTextFileFactory>},
+    {CLSID_Dictionary, u"Scripting.Dictionary", CreateStandalone<CDictionary>},
 };
 
 constexpr std::size_t SlotCount = std::size(Rows) + std::size(Services);
@@ -151,6 +157,21 @@ HRESULT GetClassFactory(REFCLSID clsid, REFIID iid, void** object) {
         }
     }
     return GetPublicClassFactory(clsid, iid, object);
+}
+
+const char16_t* ServiceProgId(REFCLSID clsid) {
+    const auto* const row =
+        std::ranges::find_if(Services, [&](const ServiceRow& s) { return s.clsid == clsid; });
+    return row == std::end(Services) ? nullptr : row->progId;
+}
+
+const CLSID* FindService(std::u16string_view progId) {
+    for (const ServiceRow& row : Services) {
+        if (row.progId != nullptr && SameName(row.progId, progId)) {
+            return &row.clsid;
+        }
+    }
+    return nullptr;
 }
 
 void ReleaseClassFactories() {

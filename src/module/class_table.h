@@ -7,6 +7,7 @@
 
 #include <atomic>
 #include <span>
+#include <string_view>
 
 /// The ten creatable classes, and the type library that describes them.
 namespace generalutilities {
@@ -32,6 +33,9 @@ std::u16string VersionedProgId(const ClassRow& row);
 HRESULT GetClassFactory(REFCLSID clsid, REFIID iid, void** object);
 /// The same for the ten classes alone, as callers from outside ask for them.
 HRESULT GetPublicClassFactory(REFCLSID clsid, REFIID iid, void** object);
+/// The ProgID of a built-in service that has one, or null; and the way back.
+const char16_t* ServiceProgId(REFCLSID clsid);
+const CLSID* FindService(std::u16string_view progId);
 /// Releases the factories that are kept, when the module goes.
 void ReleaseClassFactories();
 

@@ -40,11 +40,15 @@ const char16_t* ProgIdOf(REFCLSID clsid) {
             return progIds[i].c_str();
         }
     }
-    return nullptr;
+    return ServiceProgId(clsid);
+}
+
+const CLSID* ServiceOf(const char16_t* progId) {
+    return FindService(progId);
 }
 
 [[gnu::constructor]] void Load() {
-    SetOwnModule({&GetClassFactory, &ProgIdOf, &OpenOwnTypeLibrary});
+    SetOwnModule({&GetClassFactory, &ProgIdOf, &ServiceOf, &OpenOwnTypeLibrary});
 }
 
 [[gnu::destructor]] void Unload() {

@@ -2,6 +2,10 @@
 
 #include <generalutilities/automation/functions.h>
 #include <generalutilities/automation/pointers.h>
+#include <generalutilities/error.h>
+#include <generalutilities/interfaces/class_ids.h>
+#include <generalutilities/tagged/font_tags.h>
+#include <generalutilities/tagged/serialize_codes.h>
 #include <generalutilities/text/code_page_fit.h>
 #include <generalutilities/text/digits.h>
 #include <generalutilities/text/distance.h>
@@ -10,40 +14,21 @@
 #include <generalutilities/text/search.h>
 #include <generalutilities/text/words.h>
 
+#include "frame/bstr_text.h"
+#include "frame/error_reporting.h"
 #include "platform/string_tables/string_tables.h"
+#include "tagged/target_dictionary.h"
 #include "text/fold_into.h"
 
 #include <algorithm>
 #include <ctime>
+#include <deque>
 #include <limits>
 #include <utility>
 
 namespace generalutilities {
 
 namespace {
-
-std::u16string_view View(BSTR string) {
-    return string == nullptr ? std::u16string_view()
-                             : std::u16string_view(string, SysStringLen(string));
-}
-
-std::string_view Memory(BSTR string) {
-    return string == nullptr
-               ? std::string_view()
-               : std::string_view(reinterpret_cast<const char*>(string), SysStringByteLen(string));
-}
-
-/// Up to the first U+0000, as methods read it that know no length. The last byte of an odd number
-/// of them counts as a unit.
-std::u16string_view TerminatedView(BSTR string) {
-    const std::u16string_view whole(string, (Memory(string).size() + 1) / 2);
-    return whole.substr(0, whole.find(u'\0'));
-}
-
-HRESULT Give(std::u16string_view text, BSTR* out) {
-    *out = SysAllocStringLen(text.data(), static_cast<std::uint32_t>(text.size()));
-    return *out == nullptr ? E_OUTOFMEMORY : S_OK;
-}
 
 /// A text that may be missing, which is a null string and no failure.
 HRESULT GiveFound(std::optional<std::u16string_view> text, BSTR* out) {
@@ -109,6 +94,45 @@ HRESULT GiveFolded(Fold fold, BSTR in, BSTR* out) noexcept {
     }
     FoldTo(fold, rest, *out + done);
     return S_OK;
+}
+
+/// The texts of a segment as they come, each with its scan.
+class SegmentScans {
+  public:
+    explicit SegmentScans(bool ignoreFontTags) : ignoreFonts(ignoreFontTags) {}
+
+    void Add(std::u16string_view text) {
+        const std::u16string& kept =
+            texts.emplace_back(ignoreFonts ? StripFontAttributes(text) : std::u16string(text));
+        if (const auto fault = ScanTags(kept, scans.emplace_back())) {
+            throw Error(E_FAIL, fault->Words());
+        }
+    }
+    const std::vector<TagScan>& Scans() const { return scans; }
+
+  private:
+    bool ignoreFonts;
+    std::deque<std::u16string> texts;  ///< which stay in their places
+    std::vector<TagScan> scans;
+};
+
+Bstr NewString(std::u16string_view text) {
+    Bstr string(text);
+    if (string.Get() == nullptr) {
+        throw std::bad_alloc();
+    }
+    return string;
+}
+
+/// An array of so many elements from index 0.
+ArrayPtr NewArray(VARTYPE type, std::size_t count) {
+    ArrayPtr array(count > std::numeric_limits<std::int32_t>::max()
+                       ? nullptr
+                       : SafeArrayCreateVector(type, 0, static_cast<std::uint32_t>(count)));
+    if (array == nullptr) {
+        throw std::bad_alloc();
+    }
+    return array;
 }
 
 /// What `GenerateString` of all objects on the thread draws from.
@@ -210,9 +234,53 @@ HRESULT CStringUtils::LoadUnicodeResString(std::int32_t hInstance, std::int32_t 
                ? E_POINTER
                : GiveFound(FindModuleString(PointerFromHandle(hInstance), lID), pbstrResult);
 }
-HRESULT CStringUtils::SerializeCodes(BSTR*, IUnknown*, std::int32_t*, SAFEARRAY**,
-                                     SAFEARRAY**) noexcept {
-    return E_NOTIMPL;
+HRESULT CStringUtils::SerializeCodes(BSTR* Source, IUnknown* dictTargets, std::int32_t* EmbeddedID,
+                                     SAFEARRAY** CodeNumbers, SAFEARRAY** CodeContents) noexcept {
+    if (Source == nullptr || EmbeddedID == nullptr || CodeNumbers == nullptr ||
+        CodeContents == nullptr) {
+        return E_POINTER;
+    }
+    const auto serialize = [&] {
+        TargetDictionary targets(dictTargets);
+        SegmentScans segment(ttxIgnoreFonts);
+        segment.Add(TerminatedView(*Source));
+        for (std::size_t i = 0; i < targets.Count(); ++i) {
+            segment.Add(TerminatedView(targets.Read(i).Get()));
+        }
+        const SerializedCodes codes =
+            generalutilities::SerializeCodes(segment.Scans(), *EmbeddedID);
+
+        // All memory is taken before the caller can see any change.
+        std::vector<Bstr> texts;
+        texts.reserve(codes.texts.size());
+        for (const std::u16string& text : codes.texts) {
+            texts.push_back(NewString(text));
+        }
+        ArrayPtr numbers = NewArray(VT_I4, codes.codes.size());
+        ArrayPtr contents = NewArray(VT_BSTR, codes.codes.size());
+        for (std::size_t i = 0; i < codes.codes.size(); ++i) {
+            static_cast<std::int32_t*>(numbers->pvData)[i] =
+                *EmbeddedID + static_cast<std::int32_t>(i) + 1;
+            static_cast<BSTR*>(contents->pvData)[i] = NewString(codes.codes[i]).Release();
+        }
+
+        *CodeNumbers = numbers.release();
+        *CodeContents = contents.release();
+        SysFreeString(std::exchange(*Source, texts[0].Release()));
+        for (std::size_t i = 0; i < targets.Count(); ++i) {
+            targets.Write(i, texts[i + 1]);
+        }
+        *EmbeddedID = codes.lastNumber;
+        return S_OK;
+    };
+    return Guarded([&] {
+        try {
+            return serialize();
+        } catch (const Error& failure) {
+            return ReportError(CLSID_StringUtils, failure.what(), IID_IStringUtils,
+                               failure.Status());
+        }
+    });
 }
 HRESULT CStringUtils::IsStringInCodePage(BSTR bstrIn, std::int32_t cp,
                                          VARIANT_BOOL* pRetVal) noexcept {

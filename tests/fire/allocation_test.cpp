@@ -1,15 +1,18 @@
 // Memory runs out at the n-th request, for every n: each public method answers E_OUTOFMEMORY or
 // the failure that it documents, loses nothing, and works on.
 
+#include <generalutilities/automation/dictionary.h>
 #include <generalutilities/automation/pointers.h>
 #include <generalutilities/automation/project_database.h>
 #include <generalutilities/extview/export_options.h>
 #include <generalutilities/interfaces/class_ids.h>
+#include <generalutilities/interfaces/code_page_helper.h>
 #include <generalutilities/interfaces/ext_view_helper.h>
 #include <generalutilities/interfaces/string_utils.h>
 
 #include "allocations.h"
 #include "described_call.h"
+#include "frame/bstr_text.h"
 #include "frame/interface_descriptions.h"
 #include "platform/files/utf8.h"
 #include "project.h"
@@ -140,6 +143,74 @@ TEST(Allocations, StringUtils) {
               S_OK);
     FailEachMethod(DescribeStringUtils(), utils.Get(),
                    Bstr(u"\u00C9l\u00E8ve {12} stra\u00DFe\uFDFA \u4E2D\u6587, 3.5 %"));
+}
+
+TEST(Allocations, SerializeCodes) {
+    ComPtr<IStringUtils> utils;
+    ComPtr<IDictionary> dictionary;
+    ASSERT_EQ(CoCreateInstance(CLSID_StringUtils, nullptr, CLSCTX_INPROC_SERVER, IID_IStringUtils,
+                               utils.OutVoid()),
+              S_OK);
+    ASSERT_EQ(CoCreateInstance(CLSID_Dictionary, nullptr, CLSCTX_INPROC_SERVER, IID_IDictionary,
+                               dictionary.OutVoid()),
+              S_OK);
+    const Bstr target(u"<a><b>x<c>"), sourceText(u"<a><b>x<c>y<c><a>");
+    VARIANT keys[2] = {}, item{};
+    item.vt = VT_BSTR;
+    item.bstrVal = target.Get();
+    keys[0].vt = keys[1].vt = VT_I4;
+    keys[1].lVal = 1;
+    Bstr source;
+    std::int32_t last = 0;
+    SAFEARRAY* arrays[2] = {};
+    FailEach("SerializeCodes",
+             [&] {
+                 return utils->SerializeCodes(source.InOut(), dictionary.Get(), &last, &arrays[0],
+                                              &arrays[1]);
+             },
+             E_FAIL,  // what the dictionary says of its own memory is lost
+             {[&] {
+                  for (SAFEARRAY*& array : arrays) {
+                      SafeArrayDestroy(std::exchange(array, nullptr));
+                  }
+                  source = sourceText;
+                  last = 0;
+                  dictionary->RemoveAll();
+                  for (VARIANT& key : keys) {
+                      ASSERT_EQ(dictionary->Add(&key, &item), S_OK);
+                  }
+              },
+              [&](HRESULT status) {
+                  Variant first;
+                  ASSERT_EQ(dictionary->get_Item(&keys[0], first.Out()), S_OK);
+                  const bool written = source.View() != sourceText.View();
+                  EXPECT_EQ(written, arrays[0] != nullptr && arrays[1] != nullptr);
+                  EXPECT_EQ(last != 0, status == S_OK);
+                  EXPECT_TRUE(written || View(first.Get().bstrVal) == target.View());
+                  for (SAFEARRAY*& array : arrays) {
+                      SafeArrayDestroy(std::exchange(array, nullptr));
+                  }
+              }});
+    for (SAFEARRAY* const array : arrays) {
+        SafeArrayDestroy(array);
+    }
+}
+
+TEST(Allocations, CodePageHelper) {
+    ComPtr<ICodePageHelper> helper;
+    ASSERT_EQ(CoCreateInstance(CLSID_CodePageHelper, nullptr, CLSCTX_INPROC_SERVER,
+                               IID_ICodePageHelper, helper.OutVoid()),
+              S_OK);
+    const Bstr text(u"<b><df font=\"A\" a=\"1\">x\u0434</df>"), font(u"font=\"B\"");
+    FailEachInBalance("AddFonts", [&] {
+        helper->ResetCodePages();
+        HRESULT status = S_OK;
+        for (const std::int32_t page : {1252, 1251}) {
+            status = std::min(status, helper->AddCodePage(page, font.Get()));
+        }
+        Bstr out;
+        return std::min(status, helper->AddFonts(text.Get(), out.Out()));
+    });
 }
 
 class HelperUnderFire : public ::testing::Test {

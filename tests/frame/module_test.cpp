@@ -1,8 +1,10 @@
 // The exports, the class table, and what the module counts.
 
+#include <generalutilities/automation/dictionary.h>
 #include <generalutilities/automation/project_database.h>
 #include <generalutilities/automation/text_file.h>
 #include <generalutilities/interfaces/class_ids.h>
+#include <generalutilities/interfaces/code_page_helper.h>
 #include <generalutilities/interfaces/collections.h>
 #include <generalutilities/interfaces/ext_view_helper.h>
 #include <generalutilities/interfaces/string_utils.h>
@@ -53,8 +55,8 @@ TEST(ClassObjectTest, AnswersByTheClassTable) {
     void* object = &first;
     EXPECT_EQ(DllGetClassObject(CLSID_StringUtils, IID_IDispatch, &object), E_NOINTERFACE);
     EXPECT_EQ(object, nullptr);
-    // The writer of export files is a service of the library, not one of its classes.
-    for (const CLSID* clsid : {&CLSID_UDrawText, &CLSID_CodePageHelper, &CLSID_ITDReader,
+    // The writer of export files and the dictionary are services of the library, not its classes.
+    for (const CLSID* clsid : {&CLSID_UDrawText, &CLSID_Dictionary, &CLSID_ITDReader,
                                &CLSID_ITDWriter, &IID_IUnknown, &CLSID_TextFileFactory}) {
         object = &first;
         EXPECT_EQ(DllGetClassObject(*clsid, IID_IClassFactory, &object), CLASS_E_CLASSNOTAVAILABLE);
@@ -69,12 +71,12 @@ TEST(ClassObjectTest, ObjectsOfferTheirInterfacesAndNoOther) {
         bool hasErrors;
         bool hasEvents = false;
     };
-    const IID* const all[] = {&IID_IStringUtils,      &IID_IExtViewHelper,
-                              &IID_ILongSet,          &IID_ILongStack,
-                              &IID_IQLNDictionary,    &IID_IQLNSort,
-                              &IID_IUnknown,          &IID_IDispatch,
-                              &IID_ISupportErrorInfo, &IID_IConnectionPointContainer,
-                              &IID_IClassFactory,     &DIID__IExtViewHelperEvents};
+    const IID* const all[] = {
+        &IID_IStringUtils,    &IID_IExtViewHelper,        &IID_ILongSet,
+        &IID_ILongStack,      &IID_IQLNDictionary,        &IID_IQLNSort,
+        &IID_ICodePageHelper, &IID_IDictionary,           &IID_IUnknown,
+        &IID_IDispatch,       &IID_ISupportErrorInfo,     &IID_IConnectionPointContainer,
+        &IID_IClassFactory,   &DIID__IExtViewHelperEvents};
     const Row table[] = {
         {CLSID_StringUtils, &IID_IStringUtils, true},
         {CLSID_ExtViewHelper, &IID_IExtViewHelper, true, true},
@@ -82,6 +84,8 @@ TEST(ClassObjectTest, ObjectsOfferTheirInterfacesAndNoOther) {
         {CLSID_LongStack, &IID_ILongStack, false},
         {CLSID_qlnDictionary, &IID_IQLNDictionary, false},
         {CLSID_QLNSort, &IID_IQLNSort, true},
+        {CLSID_CodePageHelper, &IID_ICodePageHelper, true},
+        {CLSID_Dictionary, &IID_IDictionary, false},
     };
     for (const auto& row : table) {
         const auto object = Create<IUnknown>(row.clsid, IID_IUnknown);

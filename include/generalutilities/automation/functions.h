@@ -105,7 +105,8 @@ GENERALUTILITIES_API HRESULT CoRegisterClassObject(REFCLSID clsid, IUnknown* fac
 GENERALUTILITIES_API HRESULT CoRevokeClassObject(std::uint32_t cookie) noexcept;
 GENERALUTILITIES_API void* CoTaskMemAlloc(std::size_t size) noexcept;
 GENERALUTILITIES_API void CoTaskMemFree(void* memory) noexcept;
-/// Looks a ProgID up in the registry; CO_E_CLASSSTRING where it is not registered.
+/// Looks a ProgID up in the registry; CO_E_CLASSSTRING where it is not registered. The built-in
+/// "Scripting.Dictionary" (automation/dictionary.h) is known without any registration.
 GENERALUTILITIES_API HRESULT CLSIDFromProgID(const char16_t* progId, CLSID* clsid) noexcept;
 /// The versioned ProgID, to be freed with `CoTaskMemFree`; the library's own classes are known
 /// without any registration.

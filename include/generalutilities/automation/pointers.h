@@ -2,11 +2,12 @@
 
 #include <generalutilities/automation/functions.h>
 
+#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
 
-/// Owners for references and strings, so that a client needs no raw pointer of its own.
+/// Owners for references and values, so that a client needs no raw pointer of its own.
 namespace generalutilities {
 
 /// Owns one reference to a component.
@@ -126,5 +127,11 @@ class Variant {
   private:
     VARIANT value{};
 };
+
+struct ArrayDestroyer {
+    void operator()(SAFEARRAY* array) const { SafeArrayDestroy(array); }
+};
+/// Owns one array.
+using ArrayPtr = std::unique_ptr<SAFEARRAY, ArrayDestroyer>;
 
 }  // namespace generalutilities

@@ -59,7 +59,12 @@ struct IStringUtils : IDispatch {
                                BSTR* pbstrRet) noexcept = 0;
     /// Does nothing: S_OK, and `pbstrRet` stays as it was.
     virtual HRESULT TranslateDigits(BSTR bstrIn, std::int32_t lLangID, BSTR* pbstrRet) noexcept = 0;
-    /// Not implemented yet.
+    /// Moves the inline tags of a segment out into numbered markers (docs/inline-codes.md).
+    /// `dictTargets` answers `IDictionary` (automation/dictionary.h) and holds the target texts.
+    /// Source and items come back with markers, `EmbeddedID` as the last number given out, the
+    /// arrays with the numbers and their tags, from index 0. E_FAIL, with words in the error
+    /// object, for no dictionary, for one that fails or holds other things than texts, and for a
+    /// text that cannot be scanned; before the first text is written nothing has changed.
     virtual HRESULT SerializeCodes(BSTR* Source, IUnknown* dictTargets, std::int32_t* EmbeddedID,
                                    SAFEARRAY** CodeNumbers, SAFEARRAY** CodeContents) noexcept = 0;
     /// Upper case; U+00DF becomes "SS".
@@ -70,7 +75,8 @@ struct IStringUtils : IDispatch {
     /// for a page that is not served.
     virtual HRESULT IsStringInCodePage(BSTR bstrIn, std::int32_t cp,
                                        VARIANT_BOOL* pRetVal) noexcept = 0;
-    /// True only for VARIANT_TRUE itself.
+    /// Whether `SerializeCodes` leaves font tags out of the texts. True only for VARIANT_TRUE
+    /// itself.
     virtual HRESULT put_TTXIgnoreFonts(VARIANT_BOOL newVal) noexcept = 0;
     virtual HRESULT get_TTXIgnoreFonts(VARIANT_BOOL* pVal) noexcept = 0;
     /// The token at the 1-based position `CharPos` (0 counts as 1), its type, and the position of

@@ -166,10 +166,16 @@ HRESULT CLSIDFromProgID(const char16_t* progId, CLSID* clsid) noexcept {
         }
         const std::string* const text = tree.Find(key + "\\CLSID", "");
         const auto parsed = text == nullptr ? std::nullopt : ParseGuid(*text);
-        if (!parsed) {
+        if (parsed) {
+            *clsid = *parsed;
+            return S_OK;
+        }
+        const OwnModule& own = GetOwnModule();
+        const CLSID* const service = own.serviceOf == nullptr ? nullptr : own.serviceOf(progId);
+        if (service == nullptr) {
             return CO_E_CLASSSTRING;
         }
-        *clsid = *parsed;
+        *clsid = *service;
         return S_OK;
     } catch (...) {
         return E_OUTOFMEMORY;

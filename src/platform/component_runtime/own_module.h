@@ -14,8 +14,10 @@ namespace generalutilities {
 struct OwnModule {
     /// The class factory of one of the module's classes, built-in services included.
     HRESULT (*getClassObject)(REFCLSID clsid, REFIID iid, void** object) = nullptr;
-    /// The versioned ProgID of one of the module's classes, or null.
+    /// The versioned ProgID of one of the module's classes or built-in services, or null.
     const char16_t* (*progIdOf)(REFCLSID clsid) = nullptr;
+    /// The built-in service with this ProgID, or null: services are never registered.
+    const CLSID* (*serviceOf)(const char16_t* progId) = nullptr;
     /// A reference to the module's type library.
     HRESULT (*typeLibrary)(ITypeLib** library) = nullptr;
 };
