@@ -30,7 +30,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         return 0;
     }
     Require(translation.text.find('\0') == std::string::npos);
-    Require(translation.table.empty() ||
+    Require(translation.table.empty() || !translation.setColumn.empty() ||
             sqlite3_strnicmp(translation.text.c_str() + translation.fromOffset, "FROM ", 5) == 0);
     sqlite3_stmt* statement = nullptr;
     const char* rest = nullptr;
