@@ -140,7 +140,8 @@ bool Tree::ParseValue(std::string_view line, Key& key) {
         if (!rest.empty()) {
             return false;
         }
-    } else if (line.starts_with("dword:") || line.starts_with("hex")) {
+    } else if ((line.starts_with("dword:") || line.starts_with("hex")) &&
+               line.find_first_of("\\\r") == std::string_view::npos) {  // kept as it stands
         value.data = line;
         value.isText = false;
     } else {
