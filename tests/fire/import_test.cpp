@@ -26,6 +26,7 @@ HRESULT RunImport(const Project& project) {
 /// Runs `work` in a process of its own, which exits with its result; gives the process.
 template <class Work>
 pid_t Fork(Work&& work) {
+    std::fflush(nullptr);
     const pid_t child = fork();
     if (child == 0) {
         _exit(work());
