@@ -11,6 +11,7 @@
 #include <generalutilities/interfaces/string_utils.h>
 
 #include "allocations.h"
+#include "collection_lives.h"
 #include "described_call.h"
 #include "frame/bstr_text.h"
 #include "frame/interface_descriptions.h"
@@ -211,6 +212,14 @@ TEST(Allocations, CodePageHelper) {
         Bstr out;
         return std::min(status, helper->AddFonts(text.Get(), out.Out()));
     });
+}
+
+TEST(Allocations, Collections) {
+    const Bstr text(u"an item");
+    const std::int32_t compare = HandleFromPointer(reinterpret_cast<void*>(&CompareLongs));
+    FailEachInBalance("The life of a set, a stack, a dictionary and a sort",
+                      [&] { return LiveWithCollections(text.Get(), compare); });
+    ReleaseHandle(compare);
 }
 
 class HelperUnderFire : public ::testing::Test {

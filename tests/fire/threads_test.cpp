@@ -7,6 +7,7 @@
 #include <generalutilities/interfaces/ext_view_helper.h>
 #include <generalutilities/interfaces/string_utils.h>
 
+#include "collection_lives.h"
 #include "described_call.h"
 #include "project.h"
 #include "rounds.h"
@@ -74,6 +75,13 @@ void AskStringUtils(Answers& answers) {
     ReleaseHandle(handle);
 }
 
+void AskCollections(Answers& answers) {
+    const Bstr text(u"an item");
+    const std::int32_t compare = HandleFromPointer(reinterpret_cast<void*>(&CompareLongs));
+    answers.Add(LiveWithCollections(text.Get(), compare, &answers.all));
+    ReleaseHandle(compare);
+}
+
 void AskExtViewHelper(Answers& answers, const Project& project, const std::u16string& file) {
     ComPtr<IExtViewHelper> helper;
     answers.Add(CoCreateInstance(CLSID_ExtViewHelper, nullptr, CLSCTX_INPROC_SERVER,
@@ -112,6 +120,7 @@ TEST(Threads, EightGiveTheAnswersOfOne) {
         const std::u16string name = {static_cast<char16_t>(u'0' + number)};
         for (int round = 0; round < rounds; ++round) {
             AskStringUtils(answers);
+            AskCollections(answers);
             AskExtViewHelper(answers, project, folder.Path(name));
         }
     };
