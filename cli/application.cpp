@@ -10,6 +10,7 @@
 #include "commands/project_command.h"
 #include "commands/register_command.h"
 #include "commands/review_command.h"
+#include "commands/tags_command.h"
 #include "commands/text_command.h"
 #include "failure.h"
 #include "unicode.h"
@@ -44,6 +45,7 @@ void AddCommands(CLI::App& app, CommandContext& context) {
     AddTextCommand(app, context);
     AddLanguageCommand(app, context);
     AddCodePageCommand(app, context);
+    AddTagsCommand(app, context);
     AddClassesCommand(app, context);
     AddRegisterCommands(app, context);
 }

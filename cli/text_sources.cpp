@@ -62,8 +62,14 @@ void AddTextSources(CLI::App* command, TextSources& sources) {
         ->type_name("");
     command->add_option("--file,-f", sources.files, "Take the lines of this file; may be repeated")
         ->type_name("FILE")
-        ->expected(1)
-        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+        ->allow_extra_args(false);  // what stands behind the file is a text
+}
+
+void WarnOfZero(Console& console, std::size_t number, std::string_view text) {
+    if (const std::size_t zero = text.find('\0'); zero != text.npos) {
+        console.Warn("text " + std::to_string(number) + ", byte offset " + std::to_string(zero) +
+                     ": the text counts up to this U+0000");
+    }
 }
 
 void ForEachText(const TextSources& sources, const std::function<void(std::string_view)>& use) {

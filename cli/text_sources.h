@@ -1,5 +1,7 @@
 #pragma once
 
+#include "console.h"
+
 #include <CLI/CLI.hpp>
 #include <functional>
 #include <string>
@@ -17,6 +19,9 @@ struct TextSources {
 
 /// Adds the arguments TEXT and the option --file to a command.
 void AddTextSources(CLI::App* command, TextSources& sources);
+
+/// Warns of a U+0000 in the text with that number, from 1: the library reads no further.
+void WarnOfZero(Console& console, std::size_t number, std::string_view text);
 
 /// Hands each text to `use`, in order and as it comes, so that input of any length passes through.
 /// A line end, of either kind, is no part of a text. Throws `UsageError` for an argument that is

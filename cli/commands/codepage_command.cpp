@@ -74,9 +74,8 @@ class FitsRun {
 
     void Add(std::string_view text) {
         ++count;
-        if (const std::size_t zero = text.find('\0'); settings.codePage && zero != text.npos) {
-            output.Warn("text " + std::to_string(count) + ", byte offset " + std::to_string(zero) +
-                        ": the text counts up to this U+0000");
+        if (settings.codePage) {
+            WarnOfZero(output, count, text);
         }
         const Bstr input(ToUtf16(text));
         json result{{"text", text}};

@@ -138,9 +138,8 @@ class TextRun {
     }
 
     void Add(std::string_view text) {
-        if (const std::size_t zero = text.find('\0'); work.stopsAtZero && zero != text.npos) {
-            output.Warn("text " + std::to_string(count + 1) + ", byte offset " +
-                        std::to_string(zero) + ": the text counts up to this U+0000");
+        if (work.stopsAtZero) {
+            WarnOfZero(output, count + 1, text);
         }
         const Bstr input(ToUtf16(text));
         if (work.convert == nullptr) {

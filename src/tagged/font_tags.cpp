@@ -32,18 +32,21 @@ class FontStripper {
         while ((open = FindAnyUnit(text, position, u'<')) != NoUnit &&
                (nameEnd = FindNameEnd(text, open)) != NoUnit) {
             CopyTo(open);
-            if (IsCodeElement(text, open, nameEnd)) {
-                CopyTo(std::min(FindCodeElementEnd(text, nameEnd), text.size()));
-            } else if (HasLettersAt(text, open + 1, u"df")) {
-                const std::size_t end = FindAnyUnit(text, nameEnd, u'>');
-                if (end == NoUnit) {
+            switch (ClassifyTag(text, open, nameEnd)) {
+                case TagKind::CodeElement:
+                    CopyTo(std::min(FindCodeElementEnd(text, nameEnd), text.size()));
+                    break;
+                case TagKind::OpeningFontTag: {
+                    const std::size_t end = FindAnyUnit(text, nameEnd, u'>');
+                    OpenSpan(end == NoUnit ? NoUnit : end + 1);
                     break;
                 }
-                OpenSpan(end + 1);
-            } else if (HasLettersAt(text, open + 1, u"/df")) {
-                CloseSpan(nameEnd + 1);
-            } else {
-                CopyTo(nameEnd);
+                case TagKind::ClosingFontTag:
+                    CloseSpan(nameEnd + 1);
+                    break;
+                case TagKind::Other:
+                    CopyTo(nameEnd);
+                    break;
             }
         }
         CopyTo(text.size());
@@ -58,8 +61,12 @@ class FontStripper {
         position = end;
     }
 
-    /// At an opening font tag that ends before `end`.
+    /// At an opening font tag that ends before `end`; one without an end is where all ends.
     void OpenSpan(std::size_t end) {
+        if (end == NoUnit) {
+            CopyTo(text.size());
+            return;
+        }
         if (out.size() != lastCloseEnd) {
             lastAttributes.clear();
         }

@@ -4,6 +4,10 @@
 
 namespace generalutilities {
 
+TagKind KindOfTag(std::u16string_view tag) {
+    return ClassifyTag(tag, 0, FindNameEnd(tag, 0));
+}
+
 const char* TagFault::Words() const {
     return kind == Kind::CodeElementNotClosed ? "<ut> tag opened that is never closed"
                                               : "tag opened, but never closed";
@@ -24,7 +28,7 @@ bool TagCursor::Next() {
         tagStart = end = text.size();
         return false;
     }
-    if (IsCodeElement(text, tagStart, position)) {
+    if (ClassifyTag(text, tagStart, position) == TagKind::CodeElement) {
         position = FindCodeElementEnd(text, position);
         if (position == NoUnit) {
             return Fail(TagFault::Kind::CodeElementNotClosed);

@@ -1,7 +1,6 @@
 #pragma once
 
-#include <cstddef>
-#include <string_view>
+#include <generalutilities/tagged/tag_scan.h>
 
 #if defined(__SSE2__)
 #include <bit>
@@ -59,9 +58,14 @@ inline bool HasLettersAt(std::u16string_view text, std::size_t at, std::u16strin
     return true;
 }
 
-/// Whether the name from behind the `<` at `open` up to `nameEnd` is "ut".
-inline bool IsCodeElement(std::u16string_view text, std::size_t open, std::size_t nameEnd) {
-    return nameEnd - open == 3 && HasLettersAt(text, open + 1, u"ut");
+/// What the tag at `open` is by its name, which ends at `nameEnd`.
+inline TagKind ClassifyTag(std::u16string_view text, std::size_t open, std::size_t nameEnd) {
+    if (nameEnd - open == 3 && HasLettersAt(text, open + 1, u"ut")) {
+        return TagKind::CodeElement;
+    }
+    return HasLettersAt(text, open + 1, u"df")    ? TagKind::OpeningFontTag
+           : HasLettersAt(text, open + 1, u"/df") ? TagKind::ClosingFontTag
+                                                  : TagKind::Other;
 }
 
 /// The first "</ut" at or behind `from`, in either case; `NoUnit` when there is none.

@@ -59,7 +59,7 @@ TEST(CommandLine, HelpSuffices) {
     EXPECT_THAT(Genutil({"--version"}).output, HasSubstr("genutil 0."));
     EXPECT_THAT(Genutil({"--help"}).output, HasSubstr("Exit codes: 0 done"));
     for (const std::string command : {"export", "import", "review", "accept", "project", "text",
-                                      "codepage", "classes", "register", "unregister"}) {
+                                      "codepage", "tags", "classes", "register", "unregister"}) {
         const Result result = Genutil({command, "--help"});
         EXPECT_EQ(result.exitCode, 0) << command;
         EXPECT_THAT(result.output, HasSubstr("Usage: genutil " + command)) << command;
@@ -73,6 +73,19 @@ TEST(CommandLine, GivesSearchesAndMeasuresAsJson) {
     EXPECT_EQ(found["results"][0]["matches"], json::parse(R"([{"position":2,"length":1,"text":"b"},
                               {"position":3,"length":1,"text":"B"}])"));
     EXPECT_TRUE(found["results"][1]["matches"].empty());
+    const json segments =
+        json::parse(Genutil({"tags", "serialize", "--json"}, {.input = "<p>a\t<p>\nb<p>"}).output);
+    EXPECT_EQ(segments["lastNumber"], 2);
+    EXPECT_EQ(segments["results"][0]["texts"], json({"\x11"
+                                                     "1\x12"
+                                                     "a",
+                                                     "\x11"
+                                                     "1\x12"}));
+    EXPECT_EQ(segments["results"][1]["codes"], json::parse(R"([{"number":2,"tag":"<p>"}])"));
+    const json cut = json::parse(Genutil({"tags", "scan", "a<b>", "<ut>", "--json"}).output);
+    EXPECT_EQ(cut["results"][0]["parts"], json::parse(R"([{"type":"text","text":"a"},
+                              {"type":"tag","text":"<b>"}])"));
+    EXPECT_EQ(cut["results"][1]["fault"]["position"], 1);
     const json measured = json::parse(Genutil({"text", "distance", "a", "ab", "--json"}).output);
     EXPECT_EQ(measured["results"][0]["distance"], 1.0);
     const json made = json::parse(

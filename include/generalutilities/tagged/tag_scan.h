@@ -15,6 +15,16 @@
 /// all with examples.
 namespace generalutilities {
 
+enum class TagKind {
+    CodeElement,     ///< named "ut", with its content
+    OpeningFontTag,  ///< the name begins with "df"
+    ClosingFontTag,  ///< the name begins with "/df"
+    Other,
+};
+
+/// What a whole tag is.
+TagKind KindOfTag(std::u16string_view tag);
+
 /// A text cut into plain runs and whole tags. One run more than tags: the text is texts[0],
 /// tags[0], texts[1], ..., the last of `texts`; runs may be empty. The views point into the text
 /// that was scanned.

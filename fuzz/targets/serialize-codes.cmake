@@ -1,0 +1,1 @@
+generalutilities_fuzz(serialize-codes LINK gu-tagged)

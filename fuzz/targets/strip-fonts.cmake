@@ -1,0 +1,1 @@
+generalutilities_fuzz(strip-fonts LINK gu-tagged)

@@ -1,0 +1,1 @@
+generalutilities_fuzz(tag-scan LINK gu-tagged)
