@@ -3,7 +3,7 @@
 PRESET ?= release
 BUILD  := build/$(PRESET)
 
-.PHONY: all demo test build packages format format-check lint bench fuzz clean
+.PHONY: all demo test build packages format format-check lint bench detection-rates fuzz clean
 
 all: build
 
@@ -24,6 +24,10 @@ test: build
 
 bench: build
 	@for program in $(BUILD)/bench/*-bench; do $$program || exit 1; done
+
+# How often code page and language are told right, on texts of Debian's packages (docs/code-pages.md).
+detection-rates: build
+	@tools/detection/measure_rates.py --program $(BUILD)/cli/genutil
 
 fuzz:
 	$(MAKE) build PRESET=fuzz

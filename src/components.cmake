@@ -1,7 +1,7 @@
 # The component classes stand beside the logic they hand out, one layer above it.
 generalutilities_library(gu-text-components
   SOURCES text/string_utils_component.cpp tagged/target_dictionary.cpp
-  LINK gu-frame gu-tagged)
+  LINK gu-frame gu-tagged gu-detection)
 generalutilities_library(gu-tagged-components
   SOURCES tagged/code_page_helper_component.cpp collections/scripting_dictionary_component.cpp
   LINK gu-frame gu-tagged)

@@ -5,6 +5,7 @@
 
 #include "code_page.h"
 #include "commands/codepage_convert.h"
+#include "commands/detect_commands.h"
 #include "component_client.h"
 #include "text_sources.h"
 #include "unicode.h"
@@ -13,7 +14,7 @@
 #include <nlohmann/json.hpp>
 #include <optional>
 
-/// `genutil codepage`: which pages there are, which can carry a text, and conversion.
+/// `genutil codepage`: which pages there are, which can carry a text, detection and conversion.
 namespace generalutilities::cli {
 namespace {
 
@@ -181,9 +182,10 @@ void AddFitsCommand(CLI::App& codePage, CommandContext& context) {
 
 void AddCodePageCommand(CLI::App& parent, CommandContext& context) {
     CLI::App* codePage =
-        parent.add_subcommand("codepage", "Code pages: list, convert, what fits into them");
+        parent.add_subcommand("codepage", "Code pages: list, detect, convert, what fits into them");
     codePage->require_subcommand(1);
     AddListCommand(*codePage, context);
+    AddCodePageDetectCommand(*codePage, context);
     AddCodePageConvertCommand(*codePage, context);
     AddFitsCommand(*codePage, context);
 }

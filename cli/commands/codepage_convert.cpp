@@ -1,5 +1,6 @@
 #include "commands/codepage_convert.h"
 
+#include "byte_input.h"
 #include "code_page.h"
 #include "failure.h"
 #include "output_file.h"
@@ -7,8 +8,6 @@
 #include <cerrno>
 #include <cstring>
 #include <fstream>
-#include <iostream>
-#include <iterator>
 #include <memory>
 #include <optional>
 
@@ -26,38 +25,17 @@ struct ConvertOptions {
     bool force = false;
 };
 
-std::string ReadAll(std::istream& stream, const std::string& name) {
-    std::string bytes{std::istreambuf_iterator<char>(stream), {}};
-    if (stream.bad()) {
-        throw Failure(name + " cannot be read behind byte " + std::to_string(bytes.size()));
-    }
-    return bytes;
-}
-
-std::string ReadInput(const std::string& input, const std::string& name) {
-    if (input == "-") {
-        return ReadAll(std::cin, name);
-    }
-    std::ifstream file(input, std::ios::binary);
-    file.peek();  // a folder can be opened
-    if (!file.is_open() || file.bad()) {
-        throw Failure(name + " cannot be read: " + std::strerror(errno));
-    }
-    file.clear();  // an empty file has ended
-    return ReadAll(file, name);
-}
-
 class Conversion {
   public:
     Conversion(Console& errors, const ConvertOptions& options)
         : console(errors),
           settings(options),
-          name(options.input == "-" ? "standard input" : options.input),
+          name(InputName(options.input)),
           from(OpenNamedCodePage("--from", options.from)),
           to(OpenNamedCodePage("--to", options.to)) {}
 
     std::string Run() {
-        const std::string bytes = ReadInput(settings.input, name);
+        const std::string bytes = ReadInput(settings.input);
         if (const std::size_t offset = from->FindUndefinedBytes(bytes);
             offset != CodePageConverter::NotFound) {
             Tell(bytes, offset,

@@ -3,6 +3,7 @@
 #include <generalutilities/interfaces/class_ids.h>
 #include <generalutilities/interfaces/string_utils.h>
 
+#include "commands/detect_commands.h"
 #include "component_client.h"
 #include "language.h"
 #include "unicode.h"
@@ -55,7 +56,8 @@ ExitCode RunName(CommandContext& context, const NameOptions& options) {
 }  // namespace
 
 void AddLanguageCommand(CLI::App& parent, CommandContext& context) {
-    CLI::App* language = parent.add_subcommand("language", "Names of languages");
+    CLI::App* language =
+        parent.add_subcommand("language", "Names of languages, and the language of texts");
     language->require_subcommand(1);
     auto options = std::make_shared<NameOptions>();
     CLI::App* name = language->add_subcommand("name", "The names of languages in these languages");
@@ -67,8 +69,8 @@ void AddLanguageCommand(CLI::App& parent, CommandContext& context) {
     name->footer(
         "Exit code 1: a language has no name here.\nExample:\n"
         "  genutil language name ja-JP 1049           日本語, Русский");
-    language->footer(name->get_footer());
     context.Runs(name, [&context, options] { return RunName(context, *options); });
+    AddLanguageDetectCommand(*language, context);
 }
 
 }  // namespace generalutilities::cli

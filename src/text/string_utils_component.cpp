@@ -7,6 +7,7 @@
 #include <generalutilities/tagged/font_tags.h>
 #include <generalutilities/tagged/serialize_codes.h>
 #include <generalutilities/text/code_page_fit.h>
+#include <generalutilities/text/detection.h>
 #include <generalutilities/text/digits.h>
 #include <generalutilities/text/distance.h>
 #include <generalutilities/text/languages.h>
@@ -154,6 +155,15 @@ HRESULT CStringUtils::Start() noexcept {
     return S_OK;
 }
 
+std::string CStringUtils::AnsiBytes(BSTR text) {
+    std::string bytes;
+    byteStrings.FromUnicode(SystemAnsiCodePage, View(text), [&bytes](std::size_t size) {
+        bytes.resize(size);
+        return bytes.data();
+    });
+    return bytes;
+}
+
 HRESULT CStringUtils::SimplifyString(BSTR bstrIn, std::int32_t lcid, BSTR* pbstrOut) noexcept {
     if (pbstrOut == nullptr) {
         return E_POINTER;
@@ -182,9 +192,22 @@ HRESULT CStringUtils::ConvertStringToUnicode(std::int32_t lCodePage, BSTR bstrIn
         return GiveConverted(converted, result, pbstrOut);
     });
 }
-HRESULT CStringUtils::DetectCodePage(BSTR, std::int32_t, std::int32_t*) noexcept {
-    return E_NOTIMPL;
+
+HRESULT CStringUtils::DetectCodePage(BSTR bstrIn, std::int32_t lDefLangCodePage,
+                                     std::int32_t* plCodePage) noexcept {
+    if (plCodePage == nullptr) {
+        return E_POINTER;
+    }
+    return Guarded([&] {
+        const std::string bytes = AnsiBytes(bstrIn);
+        if (bytes.empty()) {
+            return S_FALSE;
+        }
+        *plCodePage = generalutilities::DetectCodePage(bytes, lDefLangCodePage);
+        return S_OK;
+    });
 }
+
 HRESULT CStringUtils::ConvertStringFromUnicode(std::int32_t lCodePage, BSTR bstrIn,
                                                VARIANT_BOOL bTrueANSI, VARIANT_BOOL bNoConversion,
                                                BSTR* pbstrOut) noexcept {
@@ -210,9 +233,22 @@ HRESULT CStringUtils::ConvertStringFromUnicode(std::int32_t lCodePage, BSTR bstr
 HRESULT CStringUtils::GetLangNativeName(std::int32_t LangID, BSTR* bstrOut) noexcept {
     return bstrOut == nullptr ? E_POINTER : GiveFound(LanguageNativeName(LangID), bstrOut);
 }
-HRESULT CStringUtils::DetectLanguage(BSTR, std::int32_t*) noexcept {
-    return E_NOTIMPL;
+
+HRESULT CStringUtils::DetectLanguage(BSTR bstrIn, std::int32_t* plLangID) noexcept {
+    if (plLangID == nullptr) {
+        return E_POINTER;
+    }
+    return Guarded([&] {
+        const std::optional<std::int32_t> langId =
+            generalutilities::DetectLanguage(AnsiBytes(bstrIn));
+        if (!langId) {
+            return S_FALSE;
+        }
+        *plLangID = *langId;
+        return S_OK;
+    });
 }
+
 HRESULT CStringUtils::GetStringCodePages(BSTR bstrAnalyze, SAFEARRAY** pCodePages) noexcept {
     if (pCodePages == nullptr) {
         return E_POINTER;

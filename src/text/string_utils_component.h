@@ -7,6 +7,8 @@
 #include "frame/dispatch.h"
 #include "frame/interface_descriptions.h"
 
+#include <string>
+
 namespace generalutilities {
 
 /// The class behind `StringUtils`: arguments in, the functions of the text room, a status out.
@@ -54,6 +56,9 @@ class CStringUtils : public Dual<IStringUtils, DescribeStringUtils>,
     HRESULT DeAccentUpperCaseString(BSTR* pbstrIn, BSTR* pbstrOut) noexcept override;
 
   private:
+    /// The bytes that a text gives in the system's ANSI code page.
+    std::string AnsiBytes(BSTR text);
+
     CharSets charSets;
     ByteStringConversion byteStrings;
     WordParser wordParser{0};  ///< of the language that was last asked for

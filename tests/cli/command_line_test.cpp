@@ -51,6 +51,11 @@ TEST(CommandLine, Answers) {
           "a\x83\x65\x83");
     Check({"codepage", "convert", "--from", "65001", "--to", "1252", "--replace", "-"}, 0, "\xE9?",
           "warning: standard input, byte offset 2", "é\xD0\x90");
+    const std::string russian =
+        "\xCD\xE5 \xF3\xE4\xE0\xEB\xEE\xF1\xFC \xEE\xF2\xEA\xF0\xFB\xF2\xFC";
+    Check({"codepage", "detect"}, 0, "1251\n", "", russian);
+    Check({"language", "detect", "-"}, 0, "ru-RU (1049)\tРусский\n", "", russian);
+    Check({"language", "detect", "--json"}, 0, "\"codePage\": 1251", "", russian);
     EXPECT_THAT(Genutil({"codepage", "list"}).output,
                 HasSubstr("\n1361\ticonv\tJOHAB\tKorean (Johab)\n"));
 }

@@ -172,6 +172,39 @@ TEST_F(CodePageMethods, TellsWhetherAStringFits) {
     EXPECT_EQ(utils->IsStringInCodePage(nullptr, 1252, nullptr), E_POINTER);
 }
 
+// The bytes are those of the text in code page 1252.
+TEST_F(CodePageMethods, DetectsPageAndLanguageOfByteStrings) {
+    constexpr std::int32_t Unwritten = -5;
+    const struct {
+        std::u16string_view text;
+        std::int32_t defaultCodePage;
+        HRESULT pageStatus;
+        std::int32_t codePage;
+        HRESULT languageStatus;
+        std::int32_t langId;
+    } cases[] = {
+        {u"Íå óäàëîñü îòêðûòü ôàéë", 0, S_OK, 1251, S_OK, 1049},
+        {u"OÃ¹ est la clÃ© que tu m'as donnÃ©e ?", 1250, S_OK, 65001, S_OK, 1036},
+        {u"Die Größe überschreitet das Maß", 1251, S_OK, 1252, S_OK, 1031},
+        {u"123", 1251, S_OK, 1251, S_FALSE, Unwritten},
+        {u"123", -1, S_OK, -1, S_FALSE, Unwritten},
+        {u"<b></b>", 1251, S_OK, 1252, S_FALSE, Unwritten},
+        {u"", 1251, S_FALSE, Unwritten, S_FALSE, Unwritten},
+    };
+    for (const auto& test : cases) {
+        const Bstr text(test.text);
+        std::int32_t codePage = Unwritten;
+        std::int32_t langId = Unwritten;
+        EXPECT_EQ(utils->DetectCodePage(text.Get(), test.defaultCodePage, &codePage),
+                  test.pageStatus);
+        EXPECT_EQ(codePage, test.codePage);
+        EXPECT_EQ(utils->DetectLanguage(text.Get(), &langId), test.languageStatus);
+        EXPECT_EQ(langId, test.langId);
+    }
+    EXPECT_EQ(utils->DetectCodePage(nullptr, 0, nullptr), E_POINTER);
+    EXPECT_EQ(utils->DetectLanguage(nullptr, nullptr), E_POINTER);
+}
+
 // Objects share the tables of the pages and nothing else.
 TEST_F(CodePageMethods, ObjectsOnManyThreadsDoNotDisturbEachOther) {
     std::vector<std::thread> threads;
@@ -197,6 +230,9 @@ TEST_F(CodePageMethods, ObjectsOnManyThreadsDoNotDisturbEachOther) {
                 EXPECT_EQ(own->GetStringCodePages(Bstr(u"a").Get(), &found), S_OK);
                 EXPECT_EQ(found->rgsabound[0].cElements, 15u);
                 SafeArrayDestroy(found);
+                std::int32_t langId = 0;
+                EXPECT_EQ(own->DetectLanguage(Bstr(u"Íå óäàëîñü îòêðûòü ôàéë").Get(), &langId),
+                          S_OK);
             }
         });
     }

@@ -1,0 +1,1 @@
+generalutilities_fuzz(detection LINK gu-detection)
