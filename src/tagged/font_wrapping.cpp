@@ -18,12 +18,12 @@ class FontWrapper::Page {
     }
 
     /// `unit` is the first of the character.
-    bool Carries(char16_t unit, std::u16string_view character, CodePageQuestion carries) {
+    bool Carries(char16_t unit, std::u16string_view character, CodePageQuestion question) {
         if (answers == nullptr) {
             answers = std::make_unique<Answers>();
         }
         if (!answers->known[unit]) {
-            answers->carried[unit] = carries(character, number);
+            answers->carried[unit] = question(character, number);
             answers->known[unit] = true;
         }
         return answers->carried[unit];
