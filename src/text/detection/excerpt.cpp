@@ -69,8 +69,11 @@ std::size_t EndOfTag(std::string_view bytes, std::size_t at) {
     } else if (StartsWithName(tag, "style")) {
         last = "</style>";
     }
-    const auto end = std::ranges::search(tag, last, {}, LowerAscii);
-    return at + 1 + static_cast<std::size_t>(end.end() - tag.begin());
+    const auto start =
+        std::search(tag.begin(), tag.end(), last.begin(), last.end(),
+                    [](char byte, char sought) { return LowerAscii(byte) == sought; });
+    const auto length = static_cast<std::size_t>(start - tag.begin()) + last.size();
+    return at + 1 + std::min(length, tag.size());
 }
 
 /// The end of the character reference that starts at `at`; 0 when none does.
