@@ -93,18 +93,18 @@ ExitCode RunScan(CommandContext& context, const TagsOptions& options) {
             lines += std::string(type) + "\t" + ShowControls(bytes) + "\n";
             parts.push_back({{"type", type}, {"text", bytes}});
         };
-        TagCursor cursor(wide);
-        for (bool isTag = true; isTag;) {
-            isTag = cursor.Next();
-            if (!cursor.Run().empty() && !cursor.Fault()) {
-                add("text", cursor.Run());
+        TagScan scan;
+        const auto fault = ScanTags(wide, scan);
+        for (std::size_t i = 0; i < scan.texts.size(); ++i) {
+            if (!scan.texts[i].empty()) {
+                add("text", scan.texts[i]);
             }
-            if (isTag) {
-                add(KindName(KindOfTag(cursor.Tag())), cursor.Tag());
+            if (i < scan.tags.size()) {
+                add(KindName(KindOfTag(scan.tags[i])), scan.tags[i]);
             }
         }
         json result;
-        if (const auto& fault = cursor.Fault()) {
+        if (fault) {
             results.AddFault(number, *fault);
             result["fault"] = {{"position", fault->position + 1}, {"words", fault->Words()}};
             lines.clear();

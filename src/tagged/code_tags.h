@@ -29,8 +29,8 @@ struct CodeTags {
 /// its first `a` codes A stands right in front of a B. Then all such neighbours in all texts become
 /// codes of a new id.
 ///
-/// A merge costs the logarithm of the number of tags; a question costs that for each text that has
-/// as many of one of the two codes as the text at hand ever had.
+/// A merge costs the logarithm of the number of tags; a question costs that for each text with one
+/// of the two codes, or once where no other text ever had as many of them as the text at hand.
 void MergeNeighbours(CodeTags& codes);
 
 }  // namespace generalutilities

@@ -1,6 +1,6 @@
 #include <generalutilities/tagged/font_tags.h>
 
-#include "tagged/tag_search.h"
+#include "tagged/tag_units.h"
 
 #include <algorithm>
 
@@ -22,22 +22,22 @@ std::vector<std::u16string_view> SetOf(std::span<const DfAttribute> attributes) 
 /// if tags were deleted in place, so that positions in it tell which tags have become neighbours.
 class FontStripper {
   public:
-    explicit FontStripper(std::u16string_view original) : text(original) {
+    explicit FontStripper(std::u16string_view original) : text(original), units(original) {
         out.reserve(text.size());
     }
 
     std::u16string Run() {
         std::size_t open;
         std::size_t nameEnd;
-        while ((open = FindAnyUnit(text, position, u'<')) != NoUnit &&
-               (nameEnd = FindNameEnd(text, open)) != NoUnit) {
+        while ((open = units.FindOpen(position)) != NoUnit &&
+               (nameEnd = units.FindNameEnd(open)) != NoUnit) {
             CopyTo(open);
             switch (ClassifyTag(text, open, nameEnd)) {
                 case TagKind::CodeElement:
-                    CopyTo(std::min(FindCodeElementEnd(text, nameEnd), text.size()));
+                    CopyTo(std::min(units.FindCodeElementEnd(nameEnd), text.size()));
                     break;
                 case TagKind::OpeningFontTag: {
-                    const std::size_t end = FindAnyUnit(text, nameEnd, u'>');
+                    const std::size_t end = units.FindClose(nameEnd);
                     OpenSpan(end == NoUnit ? NoUnit : end + 1);
                     break;
                 }
@@ -110,6 +110,7 @@ class FontStripper {
     }
 
     std::u16string_view text;
+    TagUnits units;
     std::size_t position = 0;
     std::u16string out;
     std::vector<bool> spanStack;  ///< for each open span, whether its opening tag was removed
@@ -124,10 +125,9 @@ std::vector<DfAttribute> ParseDfAttributes(std::u16string_view part) {
     std::vector<DfAttribute> attributes;
     std::size_t start = part.find_first_not_of(u' ');
     while (start != part.npos) {
-        const std::size_t equals = FindAnyUnit(part, start, u'=');
-        const std::size_t opening = equals == NoUnit ? NoUnit : FindAnyUnit(part, equals + 1, u'"');
-        const std::size_t closing =
-            opening == NoUnit ? NoUnit : FindAnyUnit(part, opening + 1, u'"');
+        const std::size_t equals = part.find(u'=', start);
+        const std::size_t opening = equals == NoUnit ? NoUnit : part.find(u'"', equals + 1);
+        const std::size_t closing = opening == NoUnit ? NoUnit : part.find(u'"', opening + 1);
         if (closing == NoUnit) {
             break;
         }

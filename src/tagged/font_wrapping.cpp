@@ -2,7 +2,7 @@
 #include <generalutilities/tagged/font_wrapping.h>
 #include <generalutilities/tagged/tag_scan.h>
 
-#include "tagged/tag_search.h"
+#include "tagged/tag_units.h"
 
 #include <algorithm>
 #include <bitset>

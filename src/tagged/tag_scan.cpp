@@ -1,11 +1,11 @@
 #include <generalutilities/tagged/tag_scan.h>
 
-#include "tagged/tag_search.h"
+#include "tagged/tag_units.h"
 
 namespace generalutilities {
 
 TagKind KindOfTag(std::u16string_view tag) {
-    return ClassifyTag(tag, 0, FindNameEnd(tag, 0));
+    return ClassifyTag(tag, 0, TagUnits(tag).FindNameEnd(0));
 }
 
 const char* TagFault::Words() const {
@@ -13,47 +13,34 @@ const char* TagFault::Words() const {
                                               : "tag opened, but never closed";
 }
 
-bool TagCursor::Fail(TagFault::Kind kind) {
-    fault = TagFault{kind, tagStart};
-    return false;
-}
-
-bool TagCursor::Next() {
-    runStart = end;
-    tagStart = FindAnyUnit(text, runStart, u'<');
-    // Space and `>` are sought together: one of them alone may be missing from here to the end, and
-    // looking for it anew behind every tag would take the square of the text's length.
-    std::size_t position = tagStart == NoUnit ? NoUnit : FindNameEnd(text, tagStart);
-    if (position == NoUnit) {
-        tagStart = end = text.size();
-        return false;
-    }
-    if (ClassifyTag(text, tagStart, position) == TagKind::CodeElement) {
-        position = FindCodeElementEnd(text, position);
-        if (position == NoUnit) {
-            return Fail(TagFault::Kind::CodeElementNotClosed);
-        }
-    }
-    position = FindAnyUnit(text, position, u'>');
-    if (position == NoUnit) {
-        return Fail(TagFault::Kind::TagNotClosed);
-    }
-    end = position + 1;
-    return true;
-}
-
 std::optional<TagFault> ScanTags(std::u16string_view text, TagScan& scan) {
     scan.texts.clear();
     scan.tags.clear();
-    TagCursor cursor(text);
-    while (cursor.Next()) {
-        scan.texts.push_back(cursor.Run());
-        scan.tags.push_back(cursor.Tag());
+    TagUnits units(text);
+    std::size_t start = 0;
+    for (;;) {
+        const std::size_t open = units.FindOpen(start);
+        // Space and `>` are sought together: one of them alone may be missing from here to the end,
+        // and looking for it anew behind every tag would take the square of the text's length.
+        std::size_t position = open == NoUnit ? NoUnit : units.FindNameEnd(open);
+        if (position == NoUnit) {
+            scan.texts.push_back(text.substr(start));
+            return std::nullopt;
+        }
+        if (IsCodeElement(text, open, position)) {
+            position = units.FindCodeElementEnd(position);
+            if (position == NoUnit) {
+                return TagFault{TagFault::Kind::CodeElementNotClosed, open};
+            }
+        }
+        position = units.FindClose(position);
+        if (position == NoUnit) {
+            return TagFault{TagFault::Kind::TagNotClosed, open};
+        }
+        scan.texts.push_back(text.substr(start, open - start));
+        scan.tags.push_back(text.substr(open, position + 1 - open));
+        start = position + 1;
     }
-    if (!cursor.Fault()) {
-        scan.texts.push_back(cursor.Run());
-    }
-    return cursor.Fault();
 }
 
 std::u16string JoinTagScan(const TagScan& scan) {

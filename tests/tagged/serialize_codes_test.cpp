@@ -86,5 +86,21 @@ TEST(SerializeCodes, IsTheTextbooks) {
     }
 }
 
+TEST(SerializeCodes, MergesHostileSegmentsInTime) {
+    Texts texts(2);
+    for (int i = 0; i < 100000; ++i) {
+        const std::string number = std::to_string(i);
+        texts[0] += u"<" + std::u16string(number.begin(), number.end()) + u">";
+    }
+    texts[1] = texts[0];
+    EXPECT_EQ(SerializeCodes(Scans(texts), 0).codes.size(), 1u);
+    texts.assign(1, u"");
+    for (int i = 0; i < 100000; ++i) {
+        texts[0] += u"<p><b>x<p><" + std::u16string(static_cast<std::size_t>(i % 500), u'c') + u">";
+    }
+    texts.resize(3000, u"<p><p><b>");
+    EXPECT_EQ(SerializeCodes(Scans(texts), 0).texts.size(), 3000u);
+}
+
 }  // namespace
 }  // namespace generalutilities

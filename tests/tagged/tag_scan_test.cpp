@@ -1,5 +1,7 @@
 // Cutting texts into runs and tags, and font attributes that go.
 
+#include <generalutilities/tagged/font_wrapping.h>
+
 #include "random_tags.h"
 #include "textbook.h"
 
@@ -105,6 +107,36 @@ TEST(StripFontAttributes, AndScanAreTheTextbooks) {
                   textbook::ScanTags(text, expected));
         ASSERT_TRUE(std::ranges::equal(scan.texts, expected.texts));
         ASSERT_TRUE(std::ranges::equal(scan.tags, expected.tags));
+    }
+}
+
+/// Each would take minutes if a step of it looked at the rest of the text again.
+TEST(HostileTags, TakeOnePass) {
+    const auto repeat = [](std::u16string_view piece, int count) {
+        std::u16string text;
+        for (int i = 0; i < count; ++i) {
+            text += piece;
+        }
+        return text;
+    };
+    const std::u16string opening = repeat(u"<df a=\"1\" font=\"A\">x", 200000);
+    FontWrapper wrapper([](std::u16string_view character, std::uint32_t page) {
+        return (character == u"x") == (page == 1);
+    });
+    wrapper.AddCodePage(1, u"F");
+    wrapper.AddCodePage(2, u"G");
+    for (const std::u16string& text :
+         {std::u16string(1 << 20, u'<'), repeat(u"<ut>", 300000), repeat(u"<a>", 300000),
+          repeat(u"< ", 500000), repeat(u"<ut x></ut>y", 100000), opening,
+          opening + repeat(u"y</df>", 200000), repeat(u"</df>xy", 200000),
+          repeat(u"<df a=\"1\">x</df><df a=\"1\" font=\"\">y</df>", 100000)}) {
+        TagScan scan;
+        const bool fails = ScanTags(text, scan).has_value();
+        EXPECT_TRUE(fails || JoinTagScan(scan) == text);
+        const std::u16string stripped = StripFontAttributes(text);
+        EXPECT_EQ(StripFontAttributes(stripped), stripped);
+        const std::u16string wrapped = wrapper.AddFonts(text);
+        EXPECT_TRUE(fails ? wrapped == text : wrapped.size() >= stripped.size());
     }
 }
 

@@ -46,31 +46,6 @@ struct TagFault {
     const char* Words() const;
 };
 
-/// Goes from tag to tag without storing anything.
-class TagCursor {
-  public:
-    explicit TagCursor(std::u16string_view scanned) : text(scanned) {}
-
-    /// Finds the next tag. False at the end of the text, where the last plain run ends, and at a
-    /// fault. A `<` with neither a space nor a `>` behind it is no tag and no fault.
-    bool Next();
-    /// After `Next` gave true.
-    std::u16string_view Tag() const { return text.substr(tagStart, end - tagStart); }
-    /// The plain run in front of the tag, or the last one.
-    std::u16string_view Run() const { return text.substr(runStart, tagStart - runStart); }
-    /// After `Next` gave false.
-    const std::optional<TagFault>& Fault() const { return fault; }
-
-  private:
-    bool Fail(TagFault::Kind kind);
-
-    std::u16string_view text;
-    std::size_t runStart = 0;
-    std::size_t tagStart = 0;
-    std::size_t end = 0;  ///< behind the tag
-    std::optional<TagFault> fault;
-};
-
 /// Cuts a text; at a fault `scan` holds what stands in front of it. Linear in the text. Throws
 /// `std::bad_alloc`.
 std::optional<TagFault> ScanTags(std::u16string_view text, TagScan& scan);

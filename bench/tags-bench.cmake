@@ -1,0 +1,1 @@
+generalutilities_bench(tags-bench LINK gu-tagged GeneralUtilities)
