@@ -119,7 +119,7 @@ def main():
     arguments = argparse.ArgumentParser(description=__doc__)
     arguments.add_argument("--program", default=ROOT / "build/release/cli/genutil")
     arguments.add_argument("--packages", type=pathlib.Path, default=ROOT / "build/detection-texts")
-    arguments.add_argument("--count", type=int, default=50, help="texts a language, page and length")
+    arguments.add_argument("--count", type=int, default=40, help="texts a language, page, length")
     arguments.add_argument("--seed", type=int, default=11)
     arguments.add_argument("--only", nargs="*", metavar="TAG", help="languages to measure")
     options = arguments.parse_args()

@@ -216,13 +216,22 @@ class Texts:
                     self._take(tag, translation, target_of(tag))
 
     def _read_help(self, root):
+        """Paragraphs and titles of the pages that are translated; the originals come first."""
+        originals = set()
         for folder in sorted(root.iterdir(), key=lambda f: (f.name != "C", f.name)):
             tag = "en" if folder.name == "C" else folder.name
             for page in sorted(folder.rglob("*.page")):
                 text = re.sub(r"(?s)<info>.*?</info>", "", page.read_text("utf-8"))
-                for match in re.finditer(r"(?s)<(p|title|item)\b[^>]*>(.*?)</\1>", text):
-                    line = re.sub(r"<[^>]*>", "", match.group(2))
-                    self._take(tag, _clean(html.unescape(line)), self.prose[tag])
+                found = re.findall(r"(?s)<(p|title|item)\b[^>]*>(.*?)</\1>", text)
+                lines = [(kind, _clean(html.unescape(re.sub(r"<[^>]*>", "", content))))
+                         for kind, content in found]
+                if tag == "en":
+                    originals.update(line for _, line in lines)
+                same = sum(line in originals for _, line in lines)
+                translated = tag == "en" or same * 10 < len(lines)
+                for kind, line in lines:
+                    used = translated and kind != "item"  # what is in an item comes once more
+                    self._take(tag, line, self.prose[tag] if used else [])
 
     def _drop_shared(self):
         languages = collections.defaultdict(set)
