@@ -76,9 +76,8 @@ TEST(DelimitedInput, NamesWhatIsWrongAndWhere) {
         WriteFile(path, Bytes(row[0]));
         ExpectWords(ErrorOf([&] { AllRows(*OpenCsv(path)); }), "wrong.csv|" + Bytes(row[1]));
     }
-    for (const auto& [name, words] :
-         {std::pair{u"absent.csv", "absent.csv"}, {u"", "cannot be opened"}}) {
-        ExpectWords(ErrorOf([&] { OpenCsv(folder.Path(name)); }), words);
+    for (const auto& row : {std::pair{u"absent.csv", "absent.csv"}, {u"", "cannot be opened"}}) {
+        ExpectWords(ErrorOf([&] { OpenCsv(folder.Path(row.first)); }), row.second);
     }
 }
 
