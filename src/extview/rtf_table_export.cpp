@@ -85,7 +85,7 @@ void CExternalViewRTFExport::ComputeCellEdges() {
         cellRightEdge[StatusColumn] = edge += width(ColumnShare::Status);
     }
     if (flags.showFileColumn) {
-        cellRightEdge[FileColumn] = edge += width(ColumnShare::File);
+        cellRightEdge[FileColumn] = edge + width(ColumnShare::File);
     }
 }
 

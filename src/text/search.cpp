@@ -86,7 +86,8 @@ struct WithSharpS {
                 return NoMatch;
             }
             const char16_t unit = all[at];
-            if (unit == sought[i]) {
+            const bool oneForOne = unit != SharpS && sought[i] != SharpS;
+            if (unit == sought[i] || (oneForOne && Symbol(unit) == Symbol(sought[i]))) {
                 ++at;
             } else if (unit == SharpS) {
                 if (!StartsWithCapitalSS(sought.substr(i))) {
@@ -99,8 +100,6 @@ struct WithSharpS {
                     return NoMatch;
                 }
                 at += 2;
-            } else if (Symbol(unit) == Symbol(sought[i])) {
-                ++at;
             } else {
                 return NoMatch;
             }

@@ -8,8 +8,6 @@
 
 namespace generalutilities {
 
-using rtf::WordKind;
-
 /// Reads what stands between a control word and the end of its group; false if the word is missing
 /// or the group has no end. `end` is the offset of the closing brace.
 bool CRTFReader::ReadTable(std::string_view controlWord, std::string& content, std::uint32_t& end) {

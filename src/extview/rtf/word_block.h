@@ -39,8 +39,9 @@ struct WordBlock {
 
 #if defined(__SSE2__)
 inline WordBlock::WordBlock(const char* bytes) {
-    for (int part = 0; part < 4; ++part) {
-        const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes + part * 16));
+    for (unsigned part = 0; part < 4; ++part) {
+        const __m128i block =
+            _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes + std::size_t{16} * part));
         const auto bits = [part](__m128i found) {
             return static_cast<std::uint64_t>(_mm_movemask_epi8(found)) << (part * 16);
         };

@@ -16,9 +16,7 @@ Kind KindOf(int status, std::string_view message) {
             return Kind::Locked;
         case SQLITE_READONLY:
         case SQLITE_PERM:
-            return Kind::ReadOnly;
-        case SQLITE_CANTOPEN:
-            // The file is open already: it is the journal beside it that could not be made.
+        case SQLITE_CANTOPEN:  // the file is open: the journal beside it could not be made
             return Kind::ReadOnly;
         case SQLITE_FULL:
             return Kind::DiskFull;

@@ -73,7 +73,7 @@ class LiveRecordset : public Recordset {
 
   private:
     static constexpr std::size_t LargestWindow = 256;
-    static constexpr std::size_t LargestTexts = 128 * 1024;  // code units
+    static constexpr std::size_t LargestTexts = std::size_t{128} * 1024;  // code units
     static constexpr std::size_t NotAsked = SIZE_MAX;
 
     bool IsFresh() const { return blockGeneration == connection->Generation(); }

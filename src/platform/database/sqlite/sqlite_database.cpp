@@ -173,6 +173,7 @@ std::unique_ptr<Recordset> SqliteDatabase::OpenSnapshot(const Translation& query
     }
     std::vector<Field> fields = FieldsOf(statement);
     std::vector<ColumnKind> kinds;
+    kinds.reserve(fields.size());
     for (const Field& field : fields) {
         kinds.push_back(field.kind);
     }
