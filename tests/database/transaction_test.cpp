@@ -107,6 +107,32 @@ class Engine : public Transactions {
     std::shared_ptr<sqlite::Connection> engine;
 };
 
+// Rows that are written all the same to a locked file do not wait one by one.
+TEST_F(Engine, WaitsForALockedFileOnce) {
+    const auto wait = [this] {
+        int milliseconds = -1;
+        sqlite3_exec(
+            raw, "PRAGMA busy_timeout",
+            [](void* out, int, char** values, char**) {
+                *static_cast<int*>(out) = std::atoi(values[0]);
+                return 0;
+            },
+            &milliseconds, nullptr);
+        return milliseconds;
+    };
+    RawFile other(path);
+    other.Run("BEGIN IMMEDIATE");
+    EXPECT_EQ(wait(), sqlite::DefaultBusyTimeout);
+    sqlite3_busy_timeout(raw, 1);
+    EXPECT_FALSE(database->Execute(u"UPDATE Pairs SET Done = 1"));
+    EXPECT_EQ(wait(), 0);
+    EXPECT_EQ(Rows(), 0);
+    EXPECT_EQ(wait(), 0) << "that one can read says nothing about writing";
+    other.Run("COMMIT");
+    Run(u"UPDATE Pairs SET Done = 1");
+    EXPECT_EQ(wait(), sqlite::DefaultBusyTimeout);
+}
+
 TEST_F(Engine, KeepsABoundedNumberOfStatements) {
     AddRows(3);
     for (int i = 0; i < 500; ++i) {

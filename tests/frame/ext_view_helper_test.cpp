@@ -162,6 +162,10 @@ TEST_F(ExtViewHelperTest, ProgressBecomesEvents) {
     EXPECT_EQ(container->FindConnectionPoint(IID_IExtViewHelper, point.Out()),
               CONNECT_E_NOCONNECTION);
     ASSERT_EQ(container->FindConnectionPoint(DIID__IExtViewHelperEvents, point.Out()), S_OK);
+    ComPtr<IConnectionPointContainer> owner;
+    EXPECT_EQ(point->GetConnectionPointContainer(owner.Out()), S_OK);
+    EXPECT_EQ(owner.Get(), container.Get());
+    owner = {};
 
     Sink plain, leaving, wrong;
     wrong.answers = IID_IClassFactory;

@@ -154,15 +154,17 @@ TEST_F(ReviewReport, RefusesWhatIsNoReviewedFile) {
 TEST_F(ReviewReport, IsWrittenAsTextHtmlAndJson) {
     Edit("Ouvrir \\{1\\}", "Ouvre <b>\"x\\\\\"&\\tab \\u-10240 ?");
     ExpectWords(Written(CreateTextReport),
-                "1\t000001\tchanged\tcode lost: {1}\n\t- Ouvrir {1}\n\t+ Ouvre <b>|"
+                "\nrow\tidentifier\tresult\tremarks\n1\t000001\tchanged\tcode lost: {1}\n"
+                "\t- Ouvrir {1}\n\t+ Ouvre <b>|"
                 "6 rows in the file");
     const std::string html = Written(CreateHtmlReport);
     ExpectWords(html, "<del>Ouvrir|Ouvre &lt;b&gt;&quot;x\\&quot;&amp;|p&lt;1&gt;");
     EXPECT_EQ(html.find("<b>"), std::string::npos);
     EXPECT_EQ(html.find("http"), std::string::npos) << "the page needs nothing but itself";
-    ExpectWords(Written(CreateJsonReport),
-                R"("format": "genutil.import/1"|"target": "Ouvre <b>\"x\\\"&\u0009\ud800|)"
-                R"({"kind": "lost", "code": "{1}", "count": 1}|"changed": 1,)");
+    const std::string json = Written(CreateJsonReport);
+    EXPECT_EQ(json.find("sameIdAsRow"), std::string::npos);
+    ExpectWords(json, R"("format": "genutil.import/1"|"target": "Ouvre <b>\"x\\\"&\u0009\ud800|)"
+                      R"({"kind": "lost", "code": "{1}", "count": 1}|"changed": 1,)");
 }
 
 }  // namespace
