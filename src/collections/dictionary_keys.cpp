@@ -3,6 +3,8 @@
 #include <generalutilities/automation/functions.h>
 #include <generalutilities/automation/pointers.h>
 
+#include "platform/automation/element_size.h"
+
 #include <cstring>
 #include <string_view>
 
@@ -34,31 +36,9 @@ int CompareTexts(std::u16string_view left, std::u16string_view right) {
                                        : left.compare(right);
 }
 
-/// The bytes of the value of a type that holds no pointer.
+/// The bytes of the value of a type that holds no pointer; a missing value has none.
 std::size_t ValueSize(VARTYPE type) {
-    switch (type) {
-        case VT_EMPTY:
-        case VT_NULL:
-            return 0;
-        case VT_I1:
-        case VT_UI1:
-            return 1;
-        case VT_I2:
-        case VT_UI2:
-        case VT_BOOL:
-            return 2;
-        case VT_I4:
-        case VT_UI4:
-        case VT_INT:
-        case VT_UINT:
-        case VT_R4:
-        case VT_ERROR:
-            return 4;
-        case VT_RECORD:
-            return sizeof(VARIANT::Record);
-        default:
-            return 8;
-    }
+    return type == VT_RECORD ? sizeof(VARIANT::Record) : ElementSize(type);
 }
 
 bool IsObject(VARTYPE type) {

@@ -4,17 +4,15 @@
 
 #include <generalutilities/automation/functions.h>
 
+#include "platform/automation/element_size.h"
+
 #include <cstdlib>
 #include <cstring>
 #include <limits>
 
 namespace generalutilities {
 
-namespace {
-
-constexpr std::size_t PrefixSize = 16;  ///< keeps the descriptor aligned; its end holds the type
-
-std::uint32_t ElementSize(VARTYPE type) {
+std::uint32_t ElementSize(VARTYPE type) noexcept {
     switch (type) {
         case VT_I1:
         case VT_UI1:
@@ -45,6 +43,10 @@ std::uint32_t ElementSize(VARTYPE type) {
             return 0;
     }
 }
+
+namespace {
+
+constexpr std::size_t PrefixSize = 16;  ///< keeps the descriptor aligned; its end holds the type
 
 std::uint16_t OwnershipFeature(VARTYPE type) {
     switch (type) {
