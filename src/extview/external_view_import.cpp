@@ -4,8 +4,8 @@
 #include <generalutilities/extview/segment_text.h>
 
 #include "extview/dao_table_builder.h"
-#include "extview/decimal.h"
 #include "extview/transaction.h"
+#include "text/decimal.h"
 
 namespace generalutilities {
 

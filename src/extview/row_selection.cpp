@@ -3,7 +3,7 @@
 #include <generalutilities/extview/export_options.h>
 
 #include "extview/dao_recordset.h"
-#include "extview/decimal.h"
+#include "text/decimal.h"
 
 namespace generalutilities {
 

@@ -4,8 +4,8 @@
 
 #include "extview/rtf_table_export.h"
 
-#include "extview/decimal.h"
 #include "extview/rtf_escape.h"
+#include "text/decimal.h"
 
 namespace generalutilities {
 

@@ -4,8 +4,8 @@
 #include <generalutilities/project/contents.h>
 #include <generalutilities/project/language_tags.h>
 
-#include "extview/decimal.h"
 #include "platform/files/utf8.h"
+#include "text/decimal.h"
 
 #include <algorithm>
 
