@@ -5,9 +5,12 @@
 #include <generalutilities/extview/export_options.h>
 #include <generalutilities/interfaces/class_ids.h>
 
+#include "extview/html_export.h"
 #include "extview/rtf/rtf_import.h"
+#include "extview/rtf/twb_import.h"
 #include "extview/rtf_table_export.h"
 #include "extview/text_file_component.h"
+#include "extview/twb_export.h"
 #include "frame/bstr_text.h"
 #include "frame/error_reporting.h"
 #include "platform/files/files.h"
@@ -68,6 +71,24 @@ CExtViewHelper::Format CExtViewHelper::FormatOf(std::int32_t exportOptions) {
                                               : Format::Rtf;
 }
 
+std::unique_ptr<CExternalViewExport> CExtViewHelper::CreateExporter(Format format) {
+    switch (format) {
+        case Format::Html:
+            return std::make_unique<CHTMLExport>(CreateComponentTextFileFactory);
+        case Format::Twb:
+            return std::make_unique<CExternalViewTWBExport>(CreateComponentTextFileFactory);
+        default:
+            return std::make_unique<CExternalViewRTFExport>(CreateComponentTextFileFactory);
+    }
+}
+
+std::unique_ptr<CExternalViewImport> CExtViewHelper::CreateImporter(Format format) {
+    if (format == Format::Twb) {
+        return std::make_unique<CTWBImport>();
+    }
+    return std::make_unique<CRTFImport>();
+}
+
 HRESULT CExtViewHelper::ExportExternalView(
     IUnknown* Project, BSTR Destination, std::int32_t FileID, std::int32_t TargetLangID,
     std::int32_t ExportOptions, BSTR LexiconOrderByClause, std::int32_t ColorForGuaranteed,
@@ -84,12 +105,10 @@ HRESULT CExtViewHelper::ExportExternalView(
         return E_INVALIDARG;
     }
     const Format format = FormatOf(ExportOptions);
-    if (format != Format::Rtf) {
-        return E_NOTIMPL;
-    }
     return WithWords(Guarded([&] {
         if (format != exportFormat) {
-            exporter = std::make_unique<CExternalViewRTFExport>(CreateComponentTextFileFactory);
+            exportFormat = Format::None;
+            exporter = CreateExporter(format);
             exporter->progress = this;
             CopyFonts();
             exportFormat = format;
@@ -127,12 +146,10 @@ HRESULT CExtViewHelper::ImportExternalView(IUnknown* Project, BSTR SourceFile,
         importFormat = Format::None;
         return E_INVALIDARG;
     }
-    if (format == Format::Twb) {
-        return E_NOTIMPL;
-    }
     return WithWords(Guarded([&] {
         if (format != importFormat) {
-            importer = std::make_unique<CRTFImport>();
+            importFormat = Format::None;
+            importer = CreateImporter(format);
             importer->SetProgress(this);
             importFormat = format;
         }
@@ -200,8 +217,14 @@ HRESULT CExtViewHelper::IsFileRTF(BSTR SourceFile, VARIANT_BOOL* pVal) noexcept 
     });
 }
 
-HRESULT CExtViewHelper::IsFileTWB(BSTR, VARIANT_BOOL*) noexcept {
-    return E_NOTIMPL;
+HRESULT CExtViewHelper::IsFileTWB(BSTR SourceFile, VARIANT_BOOL* pVal) noexcept {
+    if (pVal == nullptr) {
+        return E_POINTER;
+    }
+    return Guarded([&] {
+        *pVal = CTWBImport().IsTWBFile(View(SourceFile)) ? VARIANT_TRUE : VARIANT_FALSE;
+        return S_OK;
+    });
 }
 
 void CExtViewHelper::ReportProgress(std::int32_t percent, std::int32_t targetLangId) {

@@ -49,6 +49,8 @@ class CExtViewHelper : public Dual<IExtViewHelper, DescribeExtViewHelper>,
   private:
     enum class Format { None = 0, Rtf = 1, Html = 2, Twb = 3 };
     static Format FormatOf(std::int32_t exportOptions);
+    static std::unique_ptr<CExternalViewExport> CreateExporter(Format format);
+    static std::unique_ptr<CExternalViewImport> CreateImporter(Format format);
 
     HRESULT PutFont(std::u16string& font, BSTR newVal);
     void CopyFonts();

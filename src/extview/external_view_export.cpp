@@ -112,6 +112,21 @@ HRESULT CExternalViewExport::RunExport(Database& project, std::u16string_view de
     return S_OK;
 }
 
+bool CExternalViewExport::OpenFile(TextFileFormat format) {
+    const auto factory = createTextFileFactory();
+    if (!factory) {
+        return false;
+    }
+    output.reset();
+    output = factory->OpenTextFile(destination, format);
+    return output != nullptr;
+}
+
+void CExternalViewExport::CloseOutput() {
+    output->Close();
+    output.reset();
+}
+
 void CExternalViewExport::ExportRows(std::unique_ptr<Recordset> recordset) {
     DaoRecordset rows;
     rows.Attach(std::move(recordset));

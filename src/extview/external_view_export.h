@@ -62,9 +62,9 @@ class CExternalViewExport {
     /// Walks the rows and calls `WriteRow` for each that is not marked as a duplicate.
     virtual void ExportRows(std::unique_ptr<Recordset> recordset);
 
-    /// Opens `destination`; false stops the export.
+    /// Opens `destination` by `OpenFile`; false stops the export.
     virtual bool OpenOutput() = 0;
-    virtual void CloseOutput() = 0;
+    virtual void CloseOutput();
     /// Takes the next colour: the numbers count from 1 in the order of the calls.
     virtual void AddColor(std::int32_t rgb) = 0;
     /// Computes what head and rows need; options, languages and colours are known by then.
@@ -75,6 +75,9 @@ class CExternalViewExport {
                           std::u16string_view target, std::u16string_view comments,
                           std::int32_t status, std::u16string_view fileName,
                           std::int32_t percentage) = 0;
+
+    /// Opens `destination` as `output`; false if that fails.
+    bool OpenFile(TextFileFormat format);
 
     /// The key of `statusColors` that stands for the border colour; it is no bit of a status.
     static constexpr std::int32_t BorderColorKey = 0x100000;
@@ -93,13 +96,14 @@ class CExternalViewExport {
     std::int32_t targetLangId = 0;
     bool sourceIsRightToLeft = false;
     bool targetIsRightToLeft = false;
-    const TextFileFactoryCreator createTextFileFactory;
+    std::unique_ptr<TextFileStream> output;
 
   private:
     void BuildStatusColors(const ExportColors& colors);
     /// What the file name column says about a file, asked of the project once per export and file.
     std::u16string_view FileColumnText(std::int32_t fileId);
 
+    const TextFileFactoryCreator createTextFileFactory;
     RowQueries queries;
     std::map<std::int32_t, std::u16string> fileNames;
     Database* database = nullptr;  ///< not owned; set during an export only

@@ -63,11 +63,36 @@ char16_t* WriteUnicode(char16_t unit, char16_t* out) {
     return out;
 }
 
+bool IsDigit(char16_t unit) {
+    return unit >= u'0' && unit <= u'9';
+}
+
+/// The length of the placeholder at the start of a text: "{", digits, "}"; 0 if there is none.
+std::size_t PlaceholderLength(std::u16string_view text) {
+    if (!text.starts_with(u'{')) {
+        return 0;
+    }
+    const auto end = std::find_if_not(text.begin() + 1, text.end(), IsDigit);
+    const bool isOne = end - text.begin() > 1 && end != text.end() && *end == u'}';
+    return isOne ? static_cast<std::size_t>(end - text.begin()) + 1 : 0;
+}
+
+/// What the two kinds of text do not have in common.
+struct Table {
+    static constexpr bool hasPlaceholders = false;
+    static constexpr char16_t lineEnd[] = u"\\par";
+};
+struct Segment {
+    static constexpr bool hasPlaceholders = true;
+    static constexpr char16_t lineEnd[] = u"\\line";
+};
+
 /// The escaped text, in pieces.
+template <class Kind>
 class Escapes {
   public:
-    /// Escapes as much of the text as the buffer holds, and of a long plain run but the start; how
-    /// many units.
+    /// Escapes as much of the text as the buffer holds, up to a placeholder, and of a long plain
+    /// run but the start; how many units.
     std::size_t Read(std::u16string_view text) {
         end = buffer.data();
         std::size_t position = 0;
@@ -75,9 +100,13 @@ class Escapes {
                static_cast<std::size_t>(buffer.data() + buffer.size() - end) >= Longest) {
             const char16_t unit = text[position];
             if (!IsPlain(unit)) {
+                if (IsPlaceholder(text.substr(position))) {
+                    break;
+                }
                 position += Escape(text.substr(position));
                 continue;
             }
+            escaped = false;
             if (std::exchange(afterWord, false)) {
                 *end++ = u' ';
             }
@@ -95,6 +124,14 @@ class Escapes {
 
     std::u16string_view Text() const { return {buffer.data(), end}; }
 
+    /// Whether a placeholder begins here. A brace behind an odd number of backslashes begins none.
+    bool IsPlaceholder(std::u16string_view text) const {
+        return Kind::hasPlaceholders && !escaped && PlaceholderLength(text) > 0;
+    }
+
+    /// Tells of units that were taken without `Read`.
+    void Pass(std::size_t units) { escaped = escaped && units == 0; }
+
     /// Whether the text ends in a control word that a letter would lengthen.
     bool AfterWord() const { return afterWord; }
 
@@ -106,22 +143,24 @@ class Escapes {
     /// Escapes one unit, or a CR LF; how many units.
     std::size_t Escape(std::u16string_view text) {
         const char16_t unit = text[0];
+        escaped = unit == u'\\' && !escaped;
         if (unit >= 0x80) {
             end = WriteUnicode(unit, end);
             afterWord = false;
-            return 1;
-        }
-        afterWord = unit == u'\t' || unit == u'\r' || unit == u'\n';
-        if (unit == u'\t') {
-            end = Write(u"\\tab", end);
-        } else if (afterWord) {
-            end = Write(u"\\par", end);
+        } else if (unit == u'\r' || unit == u'\n') {
+            end = Write(Kind::lineEnd, end);
+            afterWord = true;
             return text.starts_with(u"\r\n") ? 2 : 1;
+        } else if (unit == u'\t' && !Kind::hasPlaceholders) {
+            end = Write(u"\\tab", end);
+            afterWord = true;
         } else if (unit < 0x20) {
             end = WriteControlCharacter(unit, end);
+            afterWord = false;
         } else {
             *end++ = u'\\';
             *end++ = unit;
+            afterWord = afterWord && Kind::hasPlaceholders;
         }
         return 1;
     }
@@ -129,7 +168,27 @@ class Escapes {
     std::array<char16_t, 512> buffer;
     char16_t* end = buffer.data();
     bool afterWord = false;
+    bool escaped = false;  ///< an odd number of backslashes stands directly before
 };
+
+template <class Kind>
+void Append(std::u16string& output, std::u16string_view text) {
+    Escapes<Kind> escapes;
+    while (!text.empty()) {
+        const std::size_t plain = escapes.AfterWord() ? 0 : PlainRun(text);
+        output.append(text, 0, plain);
+        escapes.Pass(plain);
+        text.remove_prefix(plain);
+        text.remove_prefix(escapes.Read(text));
+        output.append(escapes.Text());
+        if (escapes.IsPlaceholder(text)) {
+            const std::size_t length = PlaceholderLength(text);
+            output.append(u"{\\cs6\\f1\\cf6\\lang1024<c:");
+            output.append(text, 1, length - 2).append(u">}");
+            text.remove_prefix(length);
+        }
+    }
+}
 
 }  // namespace
 
@@ -139,14 +198,11 @@ std::size_t PlainRunUnitByUnit(std::u16string_view text) noexcept {
 }
 
 void AppendEscaped(std::u16string& output, std::u16string_view text) {
-    Escapes escapes;
-    while (!text.empty()) {
-        const std::size_t plain = escapes.AfterWord() ? 0 : PlainRun(text);
-        output.append(text, 0, plain);
-        text.remove_prefix(plain);
-        text.remove_prefix(escapes.Read(text));
-        output.append(escapes.Text());
-    }
+    Append<Table>(output, text);
+}
+
+void AppendSegment(std::u16string& output, std::u16string_view text) {
+    Append<Segment>(output, text);
 }
 
 }  // namespace generalutilities::rtf

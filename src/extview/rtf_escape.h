@@ -11,6 +11,12 @@ namespace generalutilities::rtf {
 /// its unsigned value. CR, LF and CR LF are one line end each.
 void AppendEscaped(std::u16string& output, std::u16string_view text);
 
+/// Appends segment text as the text of a TWB document. Other than `AppendEscaped`: a placeholder
+/// such as "{12}", unless its brace is escaped by a backslash, becomes a code in the style of
+/// inline codes; a line end becomes \line, a tab \'09; and where one of the escapes \\, \{ and
+/// \} stands behind \line, the blank that ends such a word comes before the next plain unit.
+void AppendSegment(std::u16string& output, std::u16string_view text);
+
 /// How many units at the start of a text stand for themselves in RTF. In two forms, which give the
 /// same answers; the second one needs HasAvx2() (platform/cpu.h).
 std::size_t PlainRunUnitByUnit(std::u16string_view text) noexcept;

@@ -31,18 +31,7 @@ std::int32_t Cut(float width) {
 
 bool CExternalViewRTFExport::OpenOutput() {
     colorTable.clear();
-    const auto factory = createTextFileFactory();
-    if (!factory) {
-        return false;
-    }
-    output.reset();
-    output = factory->OpenTextFile(destination, TextFileFormat::OneByte);
-    return output != nullptr;
-}
-
-void CExternalViewRTFExport::CloseOutput() {
-    output->Close();
-    output.reset();
+    return OpenFile(TextFileFormat::OneByte);
 }
 
 void CExternalViewRTFExport::AddColor(std::int32_t rgb) {

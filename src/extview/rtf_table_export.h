@@ -1,11 +1,8 @@
 #pragma once
 
-#include <generalutilities/text_file.h>
-
 #include "extview/external_view_export.h"
 
 #include <cstdint>
-#include <memory>
 #include <string>
 #include <string_view>
 
@@ -19,7 +16,6 @@ class CExternalViewRTFExport : public CExternalViewExport {
 
   protected:
     bool OpenOutput() override;
-    void CloseOutput() override;
     void AddColor(std::int32_t rgb) override;
     void PrepareLayout() override;
     void WriteHeader() override;
@@ -59,7 +55,6 @@ class CExternalViewRTFExport : public CExternalViewExport {
     std::u16string rowPrefix;               // the row definition of an uncoloured row
     std::u16string cellStart[ColumnCount];  // what stands in front of the text of each cell
     std::u16string row;                     // the row being built, kept for its memory
-    std::unique_ptr<TextFileStream> output;
 };
 
 }  // namespace generalutilities

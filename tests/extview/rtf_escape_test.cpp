@@ -6,15 +6,20 @@
 namespace generalutilities::rtf {
 namespace {
 
-std::u16string Escape(std::u16string_view text) {
+using Appending = void (*)(std::u16string&, std::u16string_view);
+
+std::u16string Escape(std::u16string_view text, Appending append = AppendEscaped) {
     std::u16string output;
-    AppendEscaped(output, text);
+    append(output, text);
     return output;
 }
 
 TEST(RtfEscape, Texts) {
     for (const auto& row : CaseTable("rtf_escapes.tsv")) {
         EXPECT_EQ(Escape(row[0]), row[1]);
+    }
+    for (const auto& row : CaseTable("segment_escapes.tsv")) {
+        EXPECT_EQ(Escape(row[0], AppendSegment), row[1]);
     }
 }
 
@@ -57,6 +62,11 @@ TEST(RtfEscape, EscapesALongTextAsItsParts) {
         expected += u"\\uc0\\u23383 \\par";
     }
     EXPECT_EQ(Escape(text), expected);
+    text.assign(1000, u'\\');  // an even number: the brace behind them is none of theirs
+    expected.assign(2000, u'\\');
+    const std::u16string digits(1000, u'7');
+    EXPECT_EQ(Escape(text + u"{" + digits + u"}", AppendSegment),
+              expected + u"{\\cs6\\f1\\cf6\\lang1024<c:" + digits + u">}");
 }
 
 }  // namespace

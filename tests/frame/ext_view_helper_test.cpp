@@ -122,6 +122,41 @@ TEST_F(ExtViewHelperTest, RowsGoOutAndComeHomeUnchanged) {
               "1|One {1}|One {1}|0|Un {1}|Un {1}|0|c|-1|1|2|Two|Two|0|||0||0|512|");
 }
 
+// The object of a format lives while the format stays the same; the fonts survive every change.
+TEST_F(ExtViewHelperTest, FormatsInTurn) {
+    ASSERT_EQ(helper->put_TargetFont(Bstr(u"Target Font").Get()), S_OK);
+    const struct {
+        std::int32_t options;
+        const char* start;
+        const char* font;
+        bool isTwb;
+        HRESULT imported;
+    } cases[] = {
+        {FormatTwb, "{\\rtf1 \\ansi", "fcharset0 Target Font;}}\n", true, S_OK},
+        {FormatHtml | FormatTwb, "<html>", "\"Target Font\";}", false, E_INVALIDARG},
+        {0, "{\\rtf1\\adeflang", "{\\f2\\froman\\fcharset0\\fprq0 Target Font;}", false, S_OK},
+        {FormatTwb, "{\\rtf1 \\ansi", "fcharset0 Target Font;}}\n", true, S_OK},
+        {FormatTwb, "{\\rtf1 \\ansi", "fcharset0 Target Font;}}\n", true, S_OK},
+    };
+    for (const auto& one : cases) {
+        ASSERT_EQ(Export(project.Get(), file, one.options | AllColumns), S_OK);
+        const std::string bytes = ReadFile(folder / "out.rtf");
+        EXPECT_TRUE(bytes.starts_with(one.start)) << bytes;
+        EXPECT_NE(bytes.find(one.font), bytes.npos) << bytes;
+        VARIANT_BOOL isTwb = 7;
+        EXPECT_EQ(helper->IsFileTWB(file.Get(), &isTwb), S_OK);
+        EXPECT_EQ(isTwb, one.isTwb ? VARIANT_TRUE : VARIANT_FALSE);
+        Query("DROP TABLE IF EXISTS Reimporting");
+        EXPECT_EQ(Import(file, one.options), one.imported);
+        if (one.imported == S_OK) {
+            EXPECT_EQ(Query("SELECT ID, Source, SourceHasChanged, Target, TargetHasChanged, "
+                            "Comments, Accept, Status FROM Reimporting ORDER BY ID"),
+                      "1|One {1}|0|Un {1}|0|c|-1|1|2|Two|0||0||0|512|");
+        }
+    }
+    EXPECT_EQ(helper->IsFileTWB(file.Get(), nullptr), E_POINTER);
+}
+
 TEST_F(ExtViewHelperTest, FailuresHaveTheirStatusAndWords) {
     const Bstr nowhere = Path(u"no/such/folder.rtf");
     VARIANT_BOOL answer = 7;

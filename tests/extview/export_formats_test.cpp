@@ -1,9 +1,11 @@
-// The bytes of the RTF table, written out by hand.
-
-#include "extview/rtf_table_export.h"
+// The bytes of the three formats, written out by hand.
 
 #include <generalutilities/extview/export_options.h>
 
+#include "case_table.h"
+#include "extview/html_export.h"
+#include "extview/rtf_table_export.h"
+#include "extview/twb_export.h"
 #include "test_project.h"
 
 #include <gtest/gtest.h>
@@ -28,33 +30,39 @@ constexpr ExportColors Colors = {.guaranteed = 0x010203,
                                  .pending = 0x00FF00,
                                  .machineTranslated = 0x640000};
 
-std::string Bytes(std::u16string_view text) {
-    std::string bytes;
-    for (const char16_t unit : text) {
-        bytes.push_back(static_cast<char>(unit));
-    }
-    return bytes;
-}
-
 // Exports the one row of a project and gives the pieces in which it was written.
-class RtfTable : public testing::Test {
+class ExportFormats : public testing::Test {
   protected:
+    std::unique_ptr<CExternalViewExport> Exporter(std::int32_t options) {
+        const auto memory = [this] { return std::make_unique<MemoryFactory>(written); };
+        if ((options & FormatHtml) != 0) {
+            return std::make_unique<CHTMLExport>(memory);
+        }
+        if ((options & FormatTwb) != 0) {
+            return std::make_unique<CExternalViewTWBExport>(memory);
+        }
+        return std::make_unique<CExternalViewRTFExport>(memory);
+    }
+
     std::vector<std::string> Export(TestProject& project, std::int32_t options,
                                     std::int32_t language = 1036) {
-        CExternalViewRTFExport exporter(
-            [this] { return std::make_unique<MemoryFactory>(written); });
-        exporter.sourceFont = u"Source Font";
-        exporter.targetFont = u"Target Font";
-        EXPECT_EQ(
-            exporter.RunExport(project.database(), u"out.rtf", 0, language, options, u"", Colors),
-            S_OK);
+        const auto exporter = Exporter(options);
+        exporter->sourceFont = u"Source Font";
+        exporter->targetFont = u"Target Font";
+        // A second export begins anew.
+        for (int round = 0; round < 2; ++round) {
+            EXPECT_EQ(
+                exporter->RunExport(project.database(), u"out", 0, language, options, u"", Colors),
+                S_OK);
+        }
         EXPECT_TRUE(written.closed);
         EXPECT_TRUE(written.released);
-        EXPECT_EQ(written.path, u"out.rtf");
-        EXPECT_EQ(written.format, TextFileFormat::OneByte);
+        EXPECT_EQ(written.path, u"out");
+        EXPECT_EQ(written.format,
+                  (options & FormatHtml) != 0 ? TextFileFormat::Utf8 : TextFileFormat::OneByte);
         std::vector<std::string> pieces;
         for (const auto& piece : written.pieces) {
-            pieces.push_back(Bytes(piece));
+            pieces.push_back(std::filesystem::path(piece).string());  // as UTF-8
         }
         return pieces;
     }
@@ -73,7 +81,7 @@ class RtfTable : public testing::Test {
 };
 
 // The files of data/ are written out by hand: every byte is looked at.
-TEST_F(RtfTable, Bytes) {
+TEST_F(ExportFormats, Bytes) {
     constexpr std::int32_t WholeStatus = ShowStatusColumn | ShowStatusValue;
     const struct {
         const char* file;
@@ -92,6 +100,20 @@ TEST_F(RtfTable, Bytes) {
          ShowIdColumn | WholeStatus | ColorStatusCell | ShowFileColumn},
         // Hidden or not, a status cell without the number has its paragraph text alone.
         {"status-without-value.rtf", {u"1", u"s", u"t"}, ShowStatusColumn | HideReadOnlyColumns},
+        // Neither direction nor hidden columns play a part in a page.
+        {"everything.html",
+         {u"a<7", u"\u0627  {1}<b>", u"", StatusLocked | StatusPending | 0x40000000,
+          u"x &\n y   z "},
+         FormatHtml | FormatTwb | ShowIdColumn | ShowFileColumn | UseFileSpec |
+             HideReadOnlyColumns | WholeStatus,
+         1037},
+        {"perfect.twb",
+         {.id = u"a{7\rx",
+          .source = u"Open {12}\u0627",
+          .status = StatusLocked | StatusAssembled,
+          .percentage = 95},
+         FormatTwb | LockedIsPerfect,
+         1037},
     };
     for (const auto& test : cases) {
         TestProject project(test.language);
@@ -108,7 +130,7 @@ TEST_F(RtfTable, Bytes) {
     }
 }
 
-TEST_F(RtfTable, ColourOfARow) {
+TEST_F(ExportFormats, ColourOfATableRow) {
     struct {
         std::int32_t status;
         std::int32_t options;
@@ -137,7 +159,57 @@ TEST_F(RtfTable, ColourOfARow) {
     }
 }
 
-TEST_F(RtfTable, CellEdges) {
+TEST_F(ExportFormats, CellsOfAPage) {
+    const std::string uncoloured =
+        "<tr>\n<td valign=\"top\"><p class=msoNormalSource>s</p></td>\n"
+        "<td valign=\"top\"><p class=msoNormalTarget></p></td>\n"
+        "<td valign=\"top\"><p class=msoNormal></p></td>\n";
+    const std::string blank = "><p class=msoNormal>&nbsp;&nbsp;&nbsp;&nbsp;</p></td>\n</tr>\n";
+    const struct {
+        std::int32_t status;
+        std::int32_t options;
+        std::string row;
+    } cases[] = {
+        {StatusExact, 0, uncoloured + "</tr>\n"},
+        {StatusExact, ShowStatusColumn, uncoloured + "<td valign=\"top\"" + blank},
+        {StatusExact, ShowStatusColumn | ColorStatusCell,
+         uncoloured + "<td bgcolor=#040506 valign=\"top\"" + blank},
+        {0, ShowStatusColumn | ColorStatusCell, uncoloured + "<td bgcolor= valign=\"top\"" + blank},
+        {0, ColorAllRows,
+         "<tr>\n<td bgcolor= valign=\"top\"><p class=msoNormalSource>s</p></td>\n<td bgcolor= "
+         "valign=\"top\"><p class=msoNormalTarget></p></td>\n<td bgcolor= valign=\"top\"><p "
+         "class=msoNormal></p></td>\n</tr>\n"},
+    };
+    for (const auto& [status, options, row] : cases) {
+        EXPECT_EQ(ExportRow({.id = u"1", .source = u"s", .status = status}, options | FormatHtml),
+                  row);
+    }
+}
+
+TEST_F(ExportFormats, MatchValueOfABilingualRow) {
+    constexpr std::int32_t Both = LockedIsPerfect | GuaranteedIsPerfect;
+    const struct {
+        std::int32_t status;
+        std::int32_t options;
+        const char* value;
+    } cases[] = {
+        {StatusFuzzy, Both, "95"},
+        {StatusLocked | StatusGuaranteed, 0, "95"},
+        {StatusLocked, GuaranteedIsPerfect, "95"},
+        {StatusAssembled, Both, "0"},
+        {StatusMachineTranslated | StatusGuaranteed, LockedIsPerfect, "0"},
+        {StatusMachineTranslated | StatusGuaranteed, Both, "101"},
+    };
+    for (const auto& [status, options, value] : cases) {
+        const PairRow row = {.id = u"1", .source = u"s", .status = status, .percentage = 95};
+        EXPECT_NE(ExportRow(row, options | FormatTwb)
+                      .find("<\\}" + std::string(value) + "\\{>}\n{\\fs20\\f3\\lang1036 }\n"),
+                  std::string::npos)
+            << status;
+    }
+}
+
+TEST_F(ExportFormats, CellEdges) {
     struct {
         std::int32_t options;
         std::vector<std::string> edges;
@@ -165,7 +237,7 @@ TEST_F(RtfTable, CellEdges) {
 }
 
 // Font names go out as they are: the low byte of each unit.
-TEST_F(RtfTable, ThroughTheBuiltInWriter) {
+TEST_F(ExportFormats, ThroughTheBuiltInWriter) {
     const TemporaryFolder folder;
     singleRow.Add({{.id = u"1", .source = u"s"}});
     CExternalViewRTFExport exporter;
