@@ -1,6 +1,6 @@
 #include "extview/html_export.h"
 
-#include "extview/decimal.h"
+#include "text/decimal.h"
 
 namespace generalutilities {
 

@@ -2,8 +2,8 @@
 
 #include <generalutilities/extview/export_options.h>
 
-#include "extview/decimal.h"
 #include "extview/rtf_escape.h"
+#include "text/decimal.h"
 
 namespace generalutilities {
 

@@ -6,8 +6,8 @@
 
 #include "database/temporary_folder.h"
 #include "extview/dao_recordset.h"
-#include "extview/decimal.h"
 #include "extview/progress.h"
+#include "text/decimal.h"
 
 #include <gtest/gtest.h>
 #include <memory>

@@ -1,10 +1,10 @@
 #include "extview/external_view_import.h"
 
 #include "case_table.h"
-#include "extview/decimal.h"
 #include "extview/rtf/rtf_import.h"
 #include "platform/database/sqlite/connection.h"
 #include "sample_head.h"
+#include "text/decimal.h"
 
 #include <functional>
 

@@ -1,8 +1,8 @@
 #include "extview/rtf/rtf_import.h"
 
 #include "case_table.h"
-#include "extview/decimal.h"
 #include "sample_head.h"
+#include "text/decimal.h"
 
 namespace generalutilities {
 namespace {
