@@ -55,12 +55,8 @@ std::u16string WithLineEndsOf(std::u16string_view text, std::u16string_view mode
     changed.reserve(text.size());
     for (std::size_t i = 0; i < text.size();) {
         const std::size_t length = LineEndLength(text, i);
-        if (length == 2) {
-            changed.append(form);
-        } else {
-            changed.append(text, i, 1);
-        }
-        i += length == 2 ? 2 : 1;
+        changed.append(length > 0 ? form : text.substr(i, 1));
+        i += length > 0 ? length : 1;
     }
     return changed;
 }

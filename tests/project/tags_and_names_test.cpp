@@ -68,7 +68,7 @@ TEST(LineEnds, TakeTheFormOfTheStoredText) {
     EXPECT_EQ(WithLineEndsOf(u"a\r\nb", u"x\r\ny"), u"a\r\nb");
     EXPECT_EQ(WithLineEndsOf(u"a\r\nb", u"x\ny\r\nz"), u"a\r\nb") << "two forms: none is the one";
     EXPECT_EQ(WithLineEndsOf(u"a\r\nb", u"no line end"), u"a\r\nb");
-    EXPECT_EQ(WithLineEndsOf(u"a\nb\r", u"x\ry"), u"a\nb\r") << "only CR LF comes from a file";
+    EXPECT_EQ(WithLineEndsOf(u"a\nb\r\r\n", u"x\ny"), u"a\nb\n\n") << "none joins its neighbour";
 }
 
 }  // namespace
