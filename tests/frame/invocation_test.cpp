@@ -166,20 +166,6 @@ TEST(InvokeTest, ReferencesReachWhatTheyReferTo) {
     EXPECT_EQ(data, 99);
 }
 
-TEST(DescriptionTest, TablesAreCompleteAndInOrder) {
-    for (const auto describe :
-         {DescribeStringUtils, DescribeITDReader, DescribeITDWriter, DescribeQLNSort,
-          DescribeExtViewHelper, DescribeLongSet, DescribeUDrawText, DescribeLongStack,
-          DescribeQLNDictionary, DescribeCodePageHelper}) {
-        std::size_t offset = 7 * sizeof(void*);
-        for (const Method& method : describe().methods) {
-            EXPECT_EQ(static_cast<std::size_t>(method.tableOffset), offset)
-                << testing::PrintToString(std::u16string(method.name));
-            offset += sizeof(void*);
-        }
-    }
-}
-
 TEST(DescriptionTest, NamesAreFoundInAnyCase) {
     const struct {
         std::vector<std::u16string> names;

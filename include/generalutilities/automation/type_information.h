@@ -132,7 +132,7 @@ struct TYPEATTR {
     std::uint16_t wMinorVerNum;
     TYPEDESC tdescAlias;
     struct {
-        std::uint32_t dwReserved;
+        std::uintptr_t dwReserved;
         std::uint16_t wIDLFlags;
     } idldescType;
 };
