@@ -54,9 +54,9 @@ std::size_t Place(Member member) {
 template <class Interface, class... Members>
 void ExpectTable(std::size_t first, Members... members) {
     struct Behind : Interface {
-        virtual void Next() noexcept = 0;
+        virtual void EndOfTable() noexcept = 0;
     };
-    const std::size_t places[] = {Place(members)..., Place(&Behind::Next)};
+    const std::size_t places[] = {Place(members)..., Place(&Behind::EndOfTable)};
     for (std::size_t i = 0; i < std::size(places); ++i) {
         EXPECT_EQ(places[i], first + i) << typeid(Interface).name();
     }
