@@ -1,6 +1,7 @@
 #include "output_file.h"
 
 #include "failure.h"
+#include "platform/files/files.h"
 
 #include <cerrno>
 #include <csignal>
@@ -63,11 +64,7 @@ class SignalsHeld {
 }
 
 [[noreturn]] void FailWithError(const std::string& path, const std::string& doing, int error) {
-    const HRESULT status = error == ENOSPC || error == EDQUOT  ? ErrorDiskFull
-                           : error == EACCES || error == EROFS ? ErrorAccessDenied
-                           : error == ENOENT                   ? ErrorFileNotFound
-                                                               : ErrorWriteFault;
-    Fail(path, doing + ": " + std::strerror(error), status);
+    Fail(path, doing + ": " + std::strerror(error), files::StatusOfError(error, ErrorWriteFault));
 }
 
 std::string FolderOf(const std::string& path) {

@@ -8,6 +8,9 @@ generalutilities_library(gu-tagged-components
 generalutilities_library(gu-extview-components
   SOURCES extview/ext_view_helper_component.cpp extview/text_file_component.cpp
   LINK gu-frame gu-rtf gu-text-file)
+generalutilities_library(gu-itd-components
+  SOURCES itd/zip_manager_component.cpp itd/text_part_access.cpp
+  LINK gu-frame gu-itd)
 generalutilities_library(gu-collections-components
   SOURCES collections/long_set_component.cpp collections/long_stack_component.cpp
           collections/sort_component.cpp collections/dictionary_component.cpp

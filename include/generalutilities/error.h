@@ -31,5 +31,6 @@ inline constexpr HRESULT ErrorReadFault = MakeStatus(0x8007001E);
 inline constexpr HRESULT ErrorLockViolation = MakeStatus(0x80070021);
 inline constexpr HRESULT ErrorFileExists = MakeStatus(0x80070050);
 inline constexpr HRESULT ErrorDiskFull = MakeStatus(0x80070070);
+inline constexpr HRESULT ErrorFileTooLarge = MakeStatus(0x800700DF);
 
 }  // namespace generalutilities

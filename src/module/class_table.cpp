@@ -2,6 +2,7 @@
 
 #include <generalutilities/automation/dictionary.h>
 #include <generalutilities/automation/text_file.h>
+#include <generalutilities/automation/zip_manager.h>
 #include <generalutilities/interfaces/class_ids.h>
 
 #include "collections/dictionary_component.h"
@@ -11,6 +12,7 @@
 #include "collections/sort_component.h"
 #include "extview/ext_view_helper_component.h"
 #include "extview/text_file_component.h"
+#include "itd/zip_manager_component.h"
 #include "tagged/code_page_helper_component.h"
 #include "text/string_utils_component.h"
 
@@ -55,6 +57,7 @@ struct ServiceRow {
 
 constexpr ServiceRow Services[] = {
     {CLSID_TextFileFactory, nullptr, CreateStandalone<CTextFileFactory>},
+    {CLSID_ZipManager, nullptr, CreateStandalone<CZipManager>},
     {CLSID_Dictionary, u"Scripting.Dictionary", CreateStandalone<CDictionary>},
 };
 

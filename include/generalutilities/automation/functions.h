@@ -89,6 +89,7 @@ GENERALUTILITIES_API HRESULT SafeArrayCopy(SAFEARRAY* array, SAFEARRAY** copy) n
 // -----------------------------------------------------------------------------
 
 inline constexpr std::uint32_t CLSCTX_INPROC_SERVER = 1;
+inline constexpr std::uint32_t CLSCTX_ALL = 23;
 
 /// Creates an object: through a class object registered in this process, else the library's own
 /// class, else the module that the registry names for the class.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <generalutilities/status.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -28,5 +30,22 @@ class FileReader {
 /// Opens an existing regular file for reading; null when that fails (a directory, too). The
 /// system's error number is in `error`, unless that is null.
 std::unique_ptr<FileReader> OpenForReading(std::u16string_view path, int* error = nullptr);
+
+/// A file open for being changed in place. What goes wrong leaves its number in `errno`.
+class FileWriter {
+  public:
+    virtual ~FileWriter() = default;
+    virtual bool WriteAt(std::uint64_t offset, std::string_view bytes) = 0;
+    virtual bool EndAt(std::uint64_t size) = 0;
+    /// To be called at the end: the system may tell only now that a write failed.
+    virtual bool Close() = 0;
+};
+
+/// Opens an existing regular file for writing, without emptying it; null when that fails, with the
+/// reason in `errno`.
+std::unique_ptr<FileWriter> OpenForWriting(std::u16string_view path);
+
+/// The failing status of a system's error number; `otherwise` for one that has none of its own.
+HRESULT StatusOfError(int error, HRESULT otherwise);
 
 }  // namespace generalutilities::files

@@ -1,0 +1,183 @@
+// The file around the text part: its envelope, and the archive manager that packs and unpacks.
+
+#include <generalutilities/automation/zip_manager.h>
+#include <generalutilities/error.h>
+#include <generalutilities/itd/archive.h>
+
+#include "database/temporary_folder.h"
+#include "frame/class_factory.h"
+#include "itd/text_part_access.h"
+#include "itd/zip_manager_component.h"
+
+#include <gtest/gtest.h>
+#include <random>
+
+namespace generalutilities {
+namespace {
+
+using namespace std::string_literals;
+
+template <class Number>
+std::string Raw(Number number) {
+    return {reinterpret_cast<const char*>(&number), sizeof number};
+}
+
+std::string Envelope(std::size_t versionLength, std::size_t firstPartLength,
+                     const std::string& compressed) {
+    return "SDLXARCH" + Raw(static_cast<std::int32_t>(versionLength)) +
+           std::string(versionLength, 'v') + Raw(static_cast<std::uint32_t>(firstPartLength)) +
+           std::string(firstPartLength, 'f') + "opaque..." +
+           Raw(static_cast<std::uint32_t>(compressed.size())) + compressed + "tail";
+}
+
+class ArchiveTest : public testing::Test {
+  protected:
+    HRESULT ReadHeader(const std::string& bytes) {
+        WriteFile(folder / "a.itd", bytes);
+        return ReadArchiveHeader(path, header);
+    }
+    HRESULT Load() { return LoadTextPart(path, reporter, part); }
+    /// The description that was reported last, if any.
+    std::u16string Reported() {
+        ComPtr<IErrorInfo> info;
+        Bstr text;
+        if (GetErrorInfo(0, info.Out()) == S_OK) {
+            info->GetDescription(text.Out());
+        }
+        return text.Text();
+    }
+
+    TemporaryFolder folder;
+    std::u16string path = folder.Path(u"a.itd");
+    ItdArchiveHeader header;
+    LoadedTextPart part;
+    ItdReporter reporter{CLSID_ZipManager, IID_IZipManager};
+};
+
+TEST_F(ArchiveTest, EnvelopeIsReadUpToItsTrailer) {
+    EXPECT_EQ(ReadArchiveHeader(path, header), itderrUnableToOpenFile);
+    EXPECT_EQ(ReadArchiveHeader(folder.Path().u16string(), header), itderrUnableToOpenFile);
+    for (const std::size_t length : {0, 1, 255}) {
+        ASSERT_EQ(ReadHeader(Envelope(length, 300, "zip")), S_OK) << length;
+        EXPECT_EQ(header.lengthFieldOffset, 25 + length + 300);
+        EXPECT_EQ(header.versionText, std::string(length, 'v'));
+        EXPECT_EQ(header.compressedLength, 3U);
+        EXPECT_EQ(Raw(header.trailerValue), "tail");
+        EXPECT_EQ(std::string(header.partBlock.begin(), header.partBlock.end()), "opaque...");
+    }
+    EXPECT_EQ(ReadHeader(Envelope(256, 0, "")), itderrBadVersion);
+    const std::string whole = Envelope(2, 3, "zip");
+    for (std::size_t size = 0; size < whole.size(); ++size) {
+        EXPECT_EQ(ReadHeader(whole.substr(0, size)), size < 8    ? itderrBadMagic
+                                                     : size < 12 ? itderrBadVersion
+                                                                 : itderrUnableToReadFile);
+    }
+    for (const std::size_t field : {8, 14, 30}) {  // each length at its extremes
+        for (const std::uint32_t value : {0x7FFFFFFFU, 0x80000000U, 0xFFFFFFE0U, 0xFFFFFFFFU}) {
+            EXPECT_EQ(ReadHeader(std::string(whole).replace(field, 4, Raw(value))),
+                      field == 8 ? itderrBadVersion : itderrUnableToReadFile);
+        }
+    }
+    EXPECT_EQ(ReadHeader("sDLXARCH" + whole.substr(8)), itderrBadMagic);
+}
+
+TEST_F(ArchiveTest, ManagerGivesBackWhatItWasGiven) {
+    ClassFactory* const factory = new ClassFactory(CreateStandalone<CZipManager>);
+    std::uint32_t cookie = 0;
+    ASSERT_EQ(ReadHeader(Envelope(2, 3, std::string(5000, 'z'))), S_OK);
+    EXPECT_EQ(Load(), itderrUnableToAccessZip) << "there is no manager yet";
+    EXPECT_EQ(Reported(), u"Unable to access the zip manager");
+    ASSERT_EQ(CoRegisterClassObject(CLSID_ZipManager, factory, CLSCTX_ALL, 1, &cookie), S_OK);
+    EXPECT_EQ(Load(), ErrorInvalidData);
+    EXPECT_EQ(Reported(), u"");
+
+    std::mt19937 random(1);
+    std::string noise(100000, '\0');
+    for (char& byte : noise) {
+        byte = static_cast<char>(random());
+    }
+    const std::string before = ReadFile(folder / "a.itd").substr(0, header.lengthFieldOffset);
+    for (const std::string& bytes : {""s, "x"s, "odd"s, noise, std::string(3000000, 'x')}) {
+        ASSERT_EQ(ReplaceTextPart(path, header.lengthFieldOffset, bytes, reporter), S_OK);
+        ASSERT_EQ(Load(), S_OK);
+        EXPECT_TRUE(part.Bytes() == bytes) << bytes.size();
+        EXPECT_EQ(part.archive.trailerValue, TextPartTrailer(bytes));
+        const std::string file = ReadFile(folder / "a.itd");
+        EXPECT_EQ(file.size(), part.archive.TextPartOffset() + part.archive.compressedLength + 4);
+        EXPECT_EQ(file.substr(0, before.size()), before);
+    }
+    EXPECT_EQ(TextPartTrailer("123456789"), 0xCBF43926U) << "the check value of CRC-32";
+
+    // Every bit of the stream counts, but for those that fill up a byte.
+    const std::string text = "some text, some more text";
+    ASSERT_EQ(ReplaceTextPart(path, header.lengthFieldOffset, text, reporter), S_OK);
+    const std::string good = ReadFile(folder / "a.itd");
+    for (std::size_t at = header.TextPartOffset(); at < good.size() - 4; ++at) {
+        std::string bad = good;
+        bad[at] = static_cast<char>(bad[at] ^ 1 << at % 8);
+        WriteFile(folder / "a.itd", bad);
+        EXPECT_TRUE(Load() == ErrorInvalidData || part.Bytes() == text) << at;
+    }
+    CoRevokeClassObject(cookie);
+    factory->Release();
+}
+
+/// A host's own manager, which fails.
+class FailingManager : public CZipManager {
+  public:
+    HRESULT ReadTextPart(BSTR, std::uint32_t, std::uint32_t, std::uint32_t*,
+                         BSTR*) noexcept override {
+        return itderrBadMagic;
+    }
+    HRESULT ComputeTrailerValue(BSTR, std::uint32_t, std::uint32_t*) noexcept override {
+        return E_FAIL;
+    }
+    HRESULT WriteTextPart(BSTR, std::uint32_t, std::uint32_t, BSTR,
+                          std::uint32_t*) noexcept override {
+        return E_UNEXPECTED;
+    }
+};
+
+TEST_F(ArchiveTest, FailuresOfAHostsManagerPassUnchanged) {
+    ClassFactory* const factory = new ClassFactory(CreateStandalone<FailingManager>);
+    std::uint32_t cookie = 0;
+    ASSERT_EQ(CoRegisterClassObject(CLSID_ZipManager, factory, CLSCTX_ALL, 1, &cookie), S_OK);
+    const std::string file = Envelope(0, 0, "zip");
+    ASSERT_EQ(ReadHeader(file), S_OK);
+    EXPECT_EQ(Load(), itderrBadMagic);
+    EXPECT_EQ(ReplaceTextPart(path, header.lengthFieldOffset, "x", reporter), E_UNEXPECTED);
+    EXPECT_EQ(Reported(), u"");
+    EXPECT_EQ(ReadFile(folder / "a.itd"), file);
+    CoRevokeClassObject(cookie);
+    factory->Release();
+}
+
+TEST_F(ArchiveTest, SizesAreLimited) {
+    EXPECT_EQ(UnpackLimit(0), std::size_t{64} << 20);
+    EXPECT_EQ(UnpackLimit(1 << 20), std::size_t{256} << 20);
+    EXPECT_EQ(UnpackLimit(0xFFFFFFFF), 0x7FFFFFFFU);
+    ASSERT_EQ(ReadHeader(Envelope(0, 0, "")), S_OK);
+    std::uint32_t packed = 0;
+    const std::size_t limit = UnpackLimit(0);
+    std::unique_ptr<char[]> room;
+    std::size_t size = 0, most = 0;
+    const auto give = [&](std::size_t count) {
+        most = count;
+        room = std::make_unique_for_overwrite<char[]>(count);
+        return room.get();
+    };
+    for (const std::size_t length : {limit, limit + 1}) {
+        ASSERT_EQ(PackTextPart(path, 29, std::string(length, '\0'), packed), S_OK);
+        EXPECT_EQ(UnpackTextPart(path, 29, packed, give, size),
+                  length == limit ? S_OK : ErrorFileTooLarge);
+        EXPECT_EQ(most, limit);
+    }
+    EXPECT_EQ(UnpackTextPart(path, 29, 0xFFFFFFFF, give, size), ErrorInvalidData);
+    EXPECT_EQ(UnpackTextPart(folder.Path(u"none"), 29, 5, give, size), ErrorFileNotFound);
+    EXPECT_EQ(PackTextPart(folder.Path(u"none"), 29, "x", packed), ErrorFileNotFound);
+    EXPECT_EQ(CloseTextPart(folder.Path(u"none"), 25, 0, 0), itderrUnableToOpenFile);
+    EXPECT_EQ(folder.FileCount(), 1U);
+}
+
+}  // namespace
+}  // namespace generalutilities
