@@ -156,20 +156,22 @@ HRESULT CQLNDictionary::List(Variant DictionaryEntry::*part, VARIANT* pVal) noex
         return E_POINTER;
     }
     VariantInit(pVal);
-    Variant list;
-    list.InOut()->parray =
-        SafeArrayCreateVector(VT_VARIANT, 1, static_cast<std::uint32_t>(table.Count()));
-    if (list.Get().parray == nullptr) {
-        return E_OUTOFMEMORY;
-    }
-    list.InOut()->vt = VT_ARRAY | VT_VARIANT;
-    auto* out = static_cast<VARIANT*>(list.Get().parray->pvData);
-    const HRESULT status = table.VisitAll(
-        [&](const DictionaryEntry& entry) { return VariantCopy(out++, &(entry.*part).Get()); });
-    if (Succeeded(status)) {
-        *pVal = list.Release();
-    }
-    return status;
+    return Guarded([&] {
+        Variant list;
+        list.InOut()->parray =
+            SafeArrayCreateVector(VT_VARIANT, 1, static_cast<std::uint32_t>(table.Count()));
+        if (list.Get().parray == nullptr) {
+            return E_OUTOFMEMORY;
+        }
+        list.InOut()->vt = VT_ARRAY | VT_VARIANT;
+        auto* out = static_cast<VARIANT*>(list.Get().parray->pvData);
+        const HRESULT status = table.VisitAll(
+            [&](const DictionaryEntry& entry) { return VariantCopy(out++, &(entry.*part).Get()); });
+        if (Succeeded(status)) {
+            *pVal = list.Release();
+        }
+        return status;
+    });
 }
 
 }  // namespace generalutilities

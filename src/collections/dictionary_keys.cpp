@@ -6,6 +6,7 @@
 #include "platform/automation/element_size.h"
 
 #include <cstring>
+#include <functional>
 #include <string_view>
 
 namespace generalutilities {
@@ -19,6 +20,13 @@ std::u16string_view TextOf(const VARIANT& string) {
     return string.bstrVal == nullptr
                ? std::u16string_view()
                : std::u16string_view(string.bstrVal, SysStringLen(string.bstrVal));
+}
+
+bool SameText(const VARIANT& left, const VARIANT& right) {
+    const std::u16string_view mine = TextOf(left);
+    const std::u16string_view theirs = TextOf(right);
+    return mine.size() == theirs.size() &&
+           (mine.empty() || std::memcmp(mine.data(), theirs.data(), mine.size() * 2) == 0);
 }
 
 /// The order of strings: first without the case of A to Z, then with it.
@@ -112,7 +120,7 @@ bool SameValue(const VARIANT& left, const VARIANT& right) {
         return SameArray(left.vt & VT_TYPEMASK, left.parray, right.parray);
     }
     if (left.vt == VT_BSTR) {
-        return TextOf(left) == TextOf(right);
+        return SameText(left, right);
     }
     if (IsObject(left.vt)) {
         return IdentityOf(left.punkVal) == IdentityOf(right.punkVal);
@@ -122,11 +130,36 @@ bool SameValue(const VARIANT& left, const VARIANT& right) {
 
 }  // namespace
 
-bool IsTableKey(VARTYPE type) {
+bool SameKey(const VARIANT& left, const VARIANT& right) {
+    if (left.vt == VT_BSTR && right.vt == VT_BSTR) {
+        return SameText(left, right);
+    }
+    return IsInteger(left.vt) && IsInteger(right.vt) ? left.lVal == right.lVal
+                                                     : SameValue(left, right);
+}
+
+std::uint32_t IdentityHash(const VARIANT& key) {
+    if (key.vt == VT_BSTR) {
+        return static_cast<std::uint32_t>(std::hash<std::u16string_view>()(TextOf(key)));
+    }
+    std::uint64_t bits = 0;
+    if ((key.vt & VT_ARRAY) != 0) {
+        bits = key.parray == nullptr ? 0 : ElementCount(*key.parray);
+    } else if (IsObject(key.vt)) {
+        bits = reinterpret_cast<std::uintptr_t>(IdentityOf(key.punkVal));
+    } else {
+        std::memcpy(&bits, &key.llVal, std::min(ValueSize(key.vt), sizeof bits));
+    }
+    bits ^= IsInteger(key.vt) ? VARTYPE{VT_I4} : key.vt;
+    bits *= 0x9E3779B97F4A7C15u;  // spreads what differs in few bits
+    return static_cast<std::uint32_t>(bits >> 32);
+}
+
+bool IsBucketKey(VARTYPE type) {
     return IsInteger(type) || type == VT_BSTR || type == VT_BOOL;
 }
 
-std::uint32_t KeyHash(const VARIANT& key) {
+std::uint32_t BucketHash(const VARIANT& key) {
     if (key.vt == VT_BOOL) {
         return static_cast<std::uint32_t>(std::int32_t{key.boolVal});
     }
@@ -151,30 +184,6 @@ bool KeyLess(const VARIANT& left, const VARIANT& right) {
         return right.vt == VT_BSTR || left.lVal < right.lVal;
     }
     return right.vt == VT_BSTR && CompareTexts(TextOf(left), TextOf(right)) < 0;
-}
-
-bool SameTableKey(const VARIANT& left, const VARIANT& right) {
-    if (left.vt == VT_BSTR || right.vt == VT_BSTR) {
-        return left.vt == right.vt && TextOf(left) == TextOf(right);
-    }
-    return left.lVal == right.lVal;
-}
-
-std::uint32_t OtherKeyHash(const VARIANT& key) {
-    std::uint64_t bits = 0;
-    if ((key.vt & VT_ARRAY) != 0) {
-        bits = key.parray == nullptr ? 0 : ElementCount(*key.parray);
-    } else if (IsObject(key.vt)) {
-        bits = reinterpret_cast<std::uintptr_t>(IdentityOf(key.punkVal));
-    } else {
-        std::memcpy(&bits, &key.llVal, std::min(ValueSize(key.vt), sizeof bits));
-    }
-    bits = (bits ^ key.vt) * 0x9E3779B97F4A7C15u;  // spreads what differs in few bits
-    return static_cast<std::uint32_t>(bits >> 32);
-}
-
-bool SameOtherKey(const VARIANT& left, const VARIANT& right) {
-    return SameValue(left, right);
 }
 
 }  // namespace generalutilities

@@ -7,20 +7,19 @@
 /// What makes two values the same key of a dictionary. No value here is by reference.
 namespace generalutilities {
 
-/// Whether keys of this type lie in the hash table: 32-bit integers, strings, yes/no values.
-bool IsTableKey(VARTYPE type);
+/// Whether two keys are the same, and a hash for looking for them. Integers of 32 bits are the same
+/// whatever their type, other keys by equal type and value. Yes/no keys have a rule of their own
+/// besides; see DictionaryTable.
+bool SameKey(const VARIANT& left, const VARIANT& right);
+std::uint32_t IdentityHash(const VARIANT& key);
 
-/// The hash of a key of the table. That of a string regards case and stops at U+0000.
-std::uint32_t KeyHash(const VARIANT& key);
+/// Whether keys of this type lie in buckets: 32-bit integers, strings, yes/no values.
+bool IsBucketKey(VARTYPE type);
 
-/// The order of the keys in one bucket of the table.
+/// The hash that chooses the bucket. That of a string regards case and stops at U+0000.
+std::uint32_t BucketHash(const VARIANT& key);
+
+/// The order of the keys in one bucket.
 bool KeyLess(const VARIANT& left, const VARIANT& right);
-
-/// Whether two keys of the table, neither of them a yes/no value, are the same.
-bool SameTableKey(const VARIANT& left, const VARIANT& right);
-
-/// The same for keys of all other types: equal type and value.
-std::uint32_t OtherKeyHash(const VARIANT& key);
-bool SameOtherKey(const VARIANT& left, const VARIANT& right);
 
 }  // namespace generalutilities

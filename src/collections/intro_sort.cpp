@@ -26,11 +26,24 @@ template <std::size_t Bytes>
 struct FixedSize {
     explicit FixedSize(std::size_t) {}
     static constexpr std::size_t Get() { return Bytes; }
+    static void Copy(std::byte* destination, const std::byte* source) {
+        std::memcpy(destination, source, Bytes);
+    }
 };
 
 struct AnySize {
     explicit AnySize(std::size_t elementSize) : bytes(elementSize) {}
     std::size_t Get() const { return bytes; }
+    /// Sizes are small mostly, for which a loop here is faster than a call.
+    void Copy(std::byte* destination, const std::byte* source) const {
+        std::size_t done = 0;
+        for (; done + 8 <= bytes; done += 8) {
+            FixedSize<8>::Copy(destination + done, source + done);
+        }
+        for (; done < bytes; ++done) {
+            destination[done] = source[done];
+        }
+    }
     std::size_t bytes;
 };
 
@@ -41,10 +54,9 @@ class IntroSortEngine {
         : size(elementSize),
           base(static_cast<std::byte*>(elements)),
           compare(function),
-          buffers(new Chunk[3 * ChunksOfElement()]),
-          pivot(buffers.get()),
-          held(pivot + ChunksOfElement()),
-          swapped(held + ChunksOfElement()) {
+          buffers(new Chunk[2 * ChunksOfElement()]),
+          pivot(buffers[0].bytes),
+          held(buffers[ChunksOfElement()].bytes) {
         waiting.reserve(64);
     }
 
@@ -53,7 +65,6 @@ class IntroSortEngine {
         if (count > SmallPartition) {
             InsertionSort(0, SmallPartition);
             for (std::size_t position = SmallPartition; position < count; ++position) {
-                Move(held, At(position));
                 InsertBackwards(0, position);
             }
         } else {
@@ -76,9 +87,6 @@ class IntroSortEngine {
 
     std::size_t ChunksOfElement() const { return (size.Get() + sizeof(Chunk) - 1) / sizeof(Chunk); }
     std::byte* At(std::size_t position) const { return base + position * size.Get(); }
-    void Move(void* destination, const void* source) const {
-        std::memcpy(destination, source, size.Get());
-    }
     bool Less(const void* left, const void* right) const { return compare(left, right) < 0; }
 
     /// The right part of each partition is sorted before its left part. The left parts wait in a
@@ -112,43 +120,53 @@ class IntroSortEngine {
 
     /// Parts [first, last) around the median of three elements; where the right part begins.
     std::size_t Split(std::size_t first, std::size_t last) {
-        Move(pivot, Median(At(first), At(first + (last - first) / 2), At(last - 1)));
-        std::size_t i = first;
-        std::size_t j = last;
+        size.Copy(pivot, Median(At(first), At(first + (last - first) / 2), At(last - 1)));
+        const std::byte* const median = pivot;
+        const CompareElements function = compare;
+        const std::size_t step = size.Get();
+        std::byte* i = At(first);
+        std::byte* j = At(last);
+        const std::byte* const end = j;
         for (;;) {
-            while (i < last && Less(At(i), pivot)) {
-                ++i;
+            while (i < end && function(i, median) < 0) {
+                i += step;
             }
-            --j;
-            while (i < j && Less(pivot, At(j))) {
-                --j;
+            j -= step;
+            while (i < j && function(median, j) < 0) {
+                j -= step;
             }
             if (i >= j) {
-                return i;
+                return static_cast<std::size_t>(i - base) / step;
             }
-            Move(swapped, At(i));
-            Move(At(i), At(j));
-            Move(At(j), swapped);
-            ++i;
+            size.Copy(held, i);
+            size.Copy(i, j);
+            size.Copy(j, held);
+            i += step;
         }
     }
 
-    /// Stores the held element at `position` or, behind the last element that is not greater,
-    /// further down.
+    /// Moves an element down in front of those in [first, position) that are greater, as far as
+    /// they stand together directly before it.
     void InsertBackwards(std::size_t first, std::size_t position) {
-        while (position > first && Less(held, At(position - 1))) {
-            Move(At(position), At(position - 1));
-            --position;
+        const CompareElements function = compare;
+        const std::size_t step = size.Get();
+        const std::byte* const begin = At(first);
+        std::byte* const element = held;
+        std::byte* place = At(position);
+        size.Copy(element, place);
+        while (place > begin && function(element, place - step) < 0) {
+            size.Copy(place, place - step);
+            place -= step;
         }
-        Move(At(position), held);
+        size.Copy(place, element);
     }
 
     void InsertionSort(std::size_t first, std::size_t last) {
         for (std::size_t position = first + 1; position < last; ++position) {
-            Move(held, At(position));
-            if (Less(held, At(first))) {
+            if (Less(At(position), At(first))) {
+                size.Copy(held, At(position));
                 std::memmove(At(first + 1), At(first), (position - first) * size.Get());
-                Move(At(first), held);
+                size.Copy(At(first), held);
             } else {
                 InsertBackwards(first, position);
             }
@@ -158,12 +176,12 @@ class IntroSortEngine {
     void HeapSort(std::size_t first, std::size_t last) {
         const std::size_t count = last - first;
         for (std::size_t top = count / 2; top-- > 0;) {
-            Move(held, At(first + top));
+            size.Copy(held, At(first + top));
             SiftDown(first, top, count);
         }
         for (std::size_t end = count - 1; end > 0; --end) {
-            Move(held, At(first + end));
-            Move(At(first + end), At(first));
+            size.Copy(held, At(first + end));
+            size.Copy(At(first + end), At(first));
             SiftDown(first, 0, end);
         }
     }
@@ -178,11 +196,11 @@ class IntroSortEngine {
             if (Less(At(first + child), At(first + child - 1))) {
                 --child;
             }
-            Move(At(first + hole), At(first + child));
+            size.Copy(At(first + hole), At(first + child));
             hole = child;
         }
         if (child == count) {
-            Move(At(first + hole), At(first + child - 1));
+            size.Copy(At(first + hole), At(first + child - 1));
             hole = child - 1;
         }
         while (hole > top) {
@@ -190,19 +208,18 @@ class IntroSortEngine {
             if (!Less(At(first + parent), held)) {
                 break;
             }
-            Move(At(first + hole), At(first + parent));
+            size.Copy(At(first + hole), At(first + parent));
             hole = parent;
         }
-        Move(At(first + hole), held);
+        size.Copy(At(first + hole), held);
     }
 
     Size size;
     std::byte* base;
     CompareElements compare;
     std::unique_ptr<Chunk[]> buffers;
-    Chunk* pivot;
-    Chunk* held;  ///< the element that is being inserted or sifted
-    Chunk* swapped;
+    std::byte* pivot;
+    std::byte* held;  ///< the element that is being inserted or sifted
     std::vector<Partition> waiting;
 };
 

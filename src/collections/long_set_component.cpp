@@ -88,10 +88,10 @@ class LongSetEnumerator final : public Counted<LongSetEnumerator, IEnumVARIANT, 
 
   private:
     /// A value that was removed while it was the position gives its place to the next greater one.
-    OrderedLongs::const_iterator Place() const {
-        return position ? values.lower_bound(*position) : values.end();
+    OrderedLongs::Iterator Place() const {
+        return position ? values.LowerBound(*position) : values.end();
     }
-    void MoveTo(OrderedLongs::const_iterator place) {
+    void MoveTo(OrderedLongs::Iterator place) {
         position = place == values.end() ? std::nullopt : std::optional(*place);
     }
 
@@ -118,13 +118,13 @@ void* CLongSet::FindInterface(REFIID iid) noexcept {
 
 HRESULT CLongSet::Add(std::int32_t Val) noexcept {
     return Guarded([&] {
-        values.insert(Val);
+        values.Insert(Val);
         return S_OK;
     });
 }
 
 HRESULT CLongSet::Remove(std::int32_t Val) noexcept {
-    values.erase(Val);
+    values.Erase(Val);
     return S_OK;
 }
 
@@ -132,7 +132,7 @@ HRESULT CLongSet::get_Count(std::int32_t* pVal) noexcept {
     if (pVal == nullptr) {
         return E_POINTER;
     }
-    *pVal = static_cast<std::int32_t>(values.size());
+    *pVal = static_cast<std::int32_t>(values.Count());
     return S_OK;
 }
 
@@ -143,7 +143,7 @@ HRESULT CLongSet::get_Item(std::int32_t n, std::int32_t* pVal) noexcept {
     if (n < 1) {
         return E_INVALIDARG;
     }
-    const auto found = values.find_by_order(static_cast<std::size_t>(n) - 1);
+    const auto found = values.At(static_cast<std::size_t>(n) - 1);
     if (found == values.end()) {
         return E_FAIL;
     }

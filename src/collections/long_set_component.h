@@ -2,18 +2,11 @@
 
 #include <generalutilities/interfaces/collections.h>
 
+#include "collections/ordered_longs.h"
 #include "frame/dispatch.h"
 #include "frame/interface_descriptions.h"
 
-#include <ext/pb_ds/assoc_container.hpp>
-#include <ext/pb_ds/tree_policy.hpp>
-
 namespace generalutilities {
-
-/// Ascending, without duplicates; a tree that also finds its n-th value in logarithmic time.
-using OrderedLongs =
-    __gnu_pbds::tree<std::int32_t, __gnu_pbds::null_type, std::less<>, __gnu_pbds::rb_tree_tag,
-                     __gnu_pbds::tree_order_statistics_node_update>;
 
 /// The class behind `LongSet`.
 class CLongSet : public Dual<ILongSet, DescribeLongSet> {

@@ -4,6 +4,8 @@
 #include "frame/values.h"
 
 #include <climits>
+#include <random>
+#include <set>
 #include <vector>
 
 namespace generalutilities {
@@ -64,6 +66,30 @@ TEST(LongSet, KeepsValuesInOrderAndOnce) {
     EXPECT_EQ(set->get_Item(1, nullptr), E_POINTER);
     EXPECT_EQ(set->get_Count(nullptr), E_POINTER);
     EXPECT_EQ(set->get__NewEnum(nullptr), E_POINTER);
+}
+
+/// Enough values for many blocks, put in at random or in order, and taken out again.
+TEST(LongSet, KeepsThousandsOfValuesAsAPlainSetDoes) {
+    const unsigned seed = std::random_device()();
+    std::mt19937 random(seed);
+    SCOPED_TRACE(seed);
+    std::set<std::int32_t> plain;
+    const auto set = SetOf({});
+    const auto compare = [&] { ASSERT_EQ(Values(*set.Get()), Longs(plain.begin(), plain.end())); };
+    for (std::int32_t i = 0; i < 6000; ++i) {
+        const std::int32_t value = i < 1500 ? i : static_cast<std::int32_t>(random() % 3000);
+        const bool isRemoved = i >= 4500;
+        ASSERT_EQ(isRemoved ? set->Remove(value) : set->Add(value), S_OK);
+        isRemoved ? void(plain.erase(value)) : void(plain.insert(value));
+        if (i % 500 == 499) {
+            compare();
+        }
+    }
+    while (!plain.empty()) {
+        ASSERT_EQ(set->Remove(*plain.rbegin()), S_OK);
+        plain.erase(*plain.rbegin());
+    }
+    compare();
 }
 
 TEST(LongSet, IntersectsWithoutTouchingEither) {
