@@ -6,6 +6,7 @@
 #include "commands/codepage_command.h"
 #include "commands/export_command.h"
 #include "commands/import_command.h"
+#include "commands/itd_command.h"
 #include "commands/language_command.h"
 #include "commands/project_command.h"
 #include "commands/register_command.h"
@@ -46,6 +47,7 @@ void AddCommands(CLI::App& app, CommandContext& context) {
     AddLanguageCommand(app, context);
     AddCodePageCommand(app, context);
     AddTagsCommand(app, context);
+    AddItdCommand(app, context);
     AddClassesCommand(app, context);
     AddRegisterCommands(app, context);
 }
