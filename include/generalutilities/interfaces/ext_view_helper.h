@@ -32,7 +32,7 @@ struct IExtViewHelper : IDispatch {
                                        VARIANT_BOOL ForceReimport) noexcept = 0;
     /// Whether the file starts with "{\rtf1".
     virtual HRESULT IsFileRTF(BSTR SourceFile, VARIANT_BOOL* pVal) noexcept = 0;
-    /// Not implemented yet.
+    /// Whether the file is a bilingual document as the format TWB has it.
     virtual HRESULT IsFileTWB(BSTR SourceFile, VARIANT_BOOL* pVal) noexcept = 0;
 };
 inline constexpr IID IID_IExtViewHelper = MakeGuid("{F5260AE7-D56B-4CE1-A77C-44603F755F05}");

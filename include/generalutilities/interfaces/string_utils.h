@@ -8,8 +8,8 @@ namespace generalutilities {
 /// Text services that need no locale of the machine: folding, tokens, keys, search, distance,
 /// digits, code pages, languages. Created as `GeneralUtilities.StringUtils.1`.
 ///
-/// S_FALSE means that no answer could be given; the result then stays unwritten. Where a method
-/// says "not implemented yet" it gives E_NOTIMPL and touches nothing.
+/// S_FALSE means that no answer could be given, not that something went wrong; the result then
+/// stays unwritten.
 struct IStringUtils : IDispatch {
     /// Punctuation of all scripts made plain ASCII, one unit for one, up to the first U+0000.
     virtual HRESULT SimplifyString(BSTR bstrIn, std::int32_t LCID, BSTR* pbstrOut) noexcept = 0;
@@ -21,7 +21,7 @@ struct IStringUtils : IDispatch {
     virtual HRESULT ConvertStringToUnicode(std::int32_t lCodePage, BSTR bstrIn,
                                            VARIANT_BOOL bTrueANSI, VARIANT_BOOL bNoConversion,
                                            BSTR* pbstrOut) noexcept = 0;
-    /// Not implemented yet.
+    /// The likeliest code page of the bytes that `bstrIn` gives in 1252; S_FALSE for no bytes.
     virtual HRESULT DetectCodePage(BSTR bstrIn, std::int32_t lDefLangCodePage,
                                    std::int32_t* plCodePage) noexcept = 0;
     /// Encodes `bstrIn` into a byte string in code page `lCodePage`, in one of the same three
@@ -32,7 +32,7 @@ struct IStringUtils : IDispatch {
     /// The name of a language in that language, by its whole identifier. Null where none of the 16
     /// identifiers with the same upper bits has a name, and empty where only another one has.
     virtual HRESULT GetLangNativeName(std::int32_t LangID, BSTR* bstrOut) noexcept = 0;
-    /// Not implemented yet.
+    /// The LANGID of the language that those bytes are written in; S_FALSE where none is found.
     virtual HRESULT DetectLanguage(BSTR bstrIn, std::int32_t* plLangID) noexcept = 0;
     /// The code pages of one script or language that carry the whole string, as VT_UI4 from index
     /// 0; no elements, and S_OK, where there are none.
