@@ -1,0 +1,1 @@
+generalutilities_fuzz(itd-element-tree LINK gu-itd)

@@ -1,0 +1,1 @@
+generalutilities_fuzz(itd-envelope LINK gu-itd)

@@ -1,0 +1,1 @@
+generalutilities_fuzz(itd-rewrite LINK gu-itd)

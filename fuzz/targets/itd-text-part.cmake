@@ -1,0 +1,1 @@
+generalutilities_fuzz(itd-text-part LINK gu-itd)
