@@ -9,7 +9,8 @@ constexpr std::size_t PlacesShown = 3;
 bool IsLoss(ReviewFinding finding) {
     return finding == ReviewFinding::Footnote || finding == ReviewFinding::MarginComment ||
            finding == ReviewFinding::FallbackPicture || finding == ReviewFinding::Drawing ||
-           finding == ReviewFinding::KeptBreak;
+           finding == ReviewFinding::KeptBreak || finding == ReviewFinding::OutsideText ||
+           finding == ReviewFinding::MissingMark || finding == ReviewFinding::DamagedRow;
 }
 
 }  // namespace

@@ -27,7 +27,8 @@ constexpr OtherKind OtherKinds[] = {
     {"\xD0\xCF\x11\xE0"sv,
      "it looks like a DOC document; open it in the word processor and save it as Rich Text Format "
      "(RTF)"},
-    {"<"sv, "it looks like HTML or XML, which cannot be imported; import the table as RTF"},
+    {"<"sv,
+     "it looks like HTML or XML, which cannot be imported; a page is for reading, import the RTF"},
     {"%PDF"sv,
      "it looks like a PDF document, which cannot be imported; ask for the document that it was "
      "made from"},

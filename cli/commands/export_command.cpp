@@ -22,7 +22,7 @@
 #include <memory>
 #include <nlohmann/json.hpp>
 
-/// `genutil export`: a project's rows as a table for a reviewer.
+/// `genutil export`: a project's rows as a file for a reviewer.
 ///
 /// `ExtViewHelper` writes the file. Around it stands what a host owes its user: the file is written
 /// beside its name, its writing is watched, it is read again and compared with the project, and
@@ -126,14 +126,18 @@ void RunComponent(CommandContext& context, const OpenProject& project,
           "exporting " + options.project + " to " + options.output);
 }
 
-/// Reads the written file again, as an import would.
+/// Reads the written file again, as `genutil import` would.
 void Verify(CommandContext& context, const OpenProject& project,
             const ExportCommandOptions& options, std::int32_t langId, const std::string& path,
             const ExportCounts& counts) {
     ProgressDisplay display(context.console, options.progress, "verifying");
     std::string firstChanged;
+    const std::u16string written = ArgumentToUtf16("--output", path);
+    // A bilingual document needs its preparation where a segment has no source.
     const ReviewSummary summary = ReviewFile(
-        *project.database, ArgumentToUtf16("--output", path), langId,
+        *project.database,
+        options.look.format == "twb" ? PreparedFile::Prepare(written) : PreparedFile::AsIs(written),
+        langId,
         [&](const ReviewedRow& row) {
             if (row.outcome == RowOutcome::Changed && firstChanged.empty()) {
                 firstChanged = ToUtf8(row.id);
@@ -149,7 +153,7 @@ void Verify(CommandContext& context, const OpenProject& project,
         (options.look.options & (RemoveCodes | CopySourceToEmptyTarget)) != 0;
     if (summary.changed > 0 && !changedOnPurpose) {
         context.console.Warn(std::to_string(summary.changed) +
-                             " rows hold characters that the table cannot carry and will come "
+                             " rows hold characters that the file cannot carry and will come "
                              "back as changed; the first is " +
                              ShowControls(firstChanged));
     }
@@ -160,6 +164,17 @@ void Verify(CommandContext& context, const OpenProject& project,
 }
 
 void WarnOfLook(Console& console, const ExportLook& look) {
+    constexpr std::int32_t TableOptions =
+        ShowStatusColumn | ShowFileColumn | ColorAllRows | HideReadOnlyColumns;
+    if (look.format == "twb" && (look.omitIdColumn || (look.options & TableOptions) != 0)) {
+        console.Warn("options about columns and colours have no effect on a bilingual document");
+    }
+    if (look.format != "twb" && (look.options & (LockedIsPerfect | GuaranteedIsPerfect)) != 0) {
+        console.Warn("--locked-is-perfect and --guaranteed-is-perfect are for --format twb alone");
+    }
+    if (look.format != "rtf") {
+        return;
+    }
     if (look.omitIdColumn) {
         console.Warn("without identifiers the file cannot be imported again");
     }
@@ -202,8 +217,9 @@ ExportResult Export(CommandContext& context, const OpenProject& project,
     ExportResult result;
     result.counts = CountRows(*project.database, queries);
     result.direct = file.IsDirect();
-    result.verified =
-        options.look.format == "rtf" && !options.look.omitIdColumn && !file.IsDirect();
+    const bool comesBack = options.look.format == "twb" ||
+                           (options.look.format == "rtf" && !options.look.omitIdColumn);
+    result.verified = comesBack && !file.IsDirect();
     if (result.verified) {
         Verify(context, project, options, langId, file.Path(), result.counts);
     }
@@ -273,8 +289,8 @@ ExitCode RunExport(CommandContext& context, const ExportCommandOptions& options)
 
 void AddExportCommand(CLI::App& parent, CommandContext& context) {
     auto options = std::make_shared<ExportCommandOptions>();
-    CLI::App* command =
-        parent.add_subcommand("export", "Write a project's rows to a table for a reviewer");
+    CLI::App* command = parent.add_subcommand(
+        "export", "Write a project's rows to a table, a page or a bilingual document");
     command->add_option("PROJECT", options->project, "The project file")->required()->type_name("");
     command->add_option("--output,-o", options->output, "The file to write")
         ->required()
@@ -298,14 +314,19 @@ void AddExportCommand(CLI::App& parent, CommandContext& context) {
     AddProgressOption(command, options->progress);
     AddLookOptions(command, options->look);
     command->footer(
-        "The file gets its name when it is complete and has been read again; a failure leaves\n"
-        "nothing. Exit code 1: no row matches.\n\n"
+        "The file gets its name when it is complete and, unless it is a page, has been read "
+        "again;\n"
+        "a failure leaves nothing. Exit code 1: no row matches.\n\n"
         "Examples:\n"
         "  genutil export app.project -o review-fr.rtf --language fr-FR\n"
         "  genutil export app.project -o open.rtf -l de --only-untranslated --unique-pairs \\\n"
         "      --status-column --status-value --color-all-rows --color-fuzzy '#FFF2CC'\n"
-        "  genutil export app.project -o terms.rtf -l ja --file lexicon --order-by 'Freq DESC'");
-    context.Runs(command, [&context, options] { return RunExport(context, *options); });
+        "  genutil export app.project -o terms.html -l ja --file lexicon --order-by 'Freq DESC'\n"
+        "  genutil export app.project -o bilingual.rtf -l ar --format twb --locked-is-perfect");
+    context.Runs(command, [&context, options] {
+        SettleFormat(options->look, options->output);
+        return RunExport(context, *options);
+    });
 }
 
 }  // namespace generalutilities::cli

@@ -1,6 +1,10 @@
 #include "commands/export_options.h"
 
+#include "failure.h"
+
+#include <algorithm>
 #include <charconv>
+#include <filesystem>
 
 namespace generalutilities::cli {
 namespace {
@@ -45,8 +49,8 @@ const OptionFlag Flags[] = {
     {UseFileSpec, "--file-paths", "The whole path in the file column", Appearance, "--file-column"},
     {ColorAllRows, "--color-all-rows", "Colour every row by its status, not only the locked ones",
      Appearance},
-    {HideReadOnlyColumns, "--hide-read-only", "Hidden text for all that the reviewer does not edit",
-     Appearance},
+    {HideReadOnlyColumns, "--hide-read-only",
+     "RTF: hidden text for all that the reviewer does not edit", Appearance},
 };
 
 struct ColorOption {
@@ -76,14 +80,60 @@ std::string CheckColor(const std::string& text) {
 /// A font's name goes into the file as it is, so it must not hold what has a meaning there.
 std::string CheckFont(const std::string& name) {
     for (const char c : name) {
-        if (c < ' ' || c > '~' || c == ';' || c == '{' || c == '}' || c == '\\') {
-            return "\"" + name + "\" cannot stand in an RTF file; use plain ASCII without ; { } \\";
+        if (c < ' ' || c > '~' || std::string_view(";{}\\\"<").find(c) != std::string_view::npos) {
+            return "\"" + name +
+                   "\" cannot stand in the file; use plain ASCII without ; { } \\ \" <";
         }
     }
     return name.empty() ? "a font needs a name" : "";
 }
 
+struct Format {
+    const char* name;
+    const char* description;
+    std::vector<std::string_view> endings;  ///< the usual one first
+};
+const Format Formats[] = {
+    {"rtf", "an RTF table", {".rtf"}},
+    {"html", "an HTML page", {".html", ".htm"}},
+    {"twb", "a bilingual document, which is RTF", {".rtf", ".twb"}},
+};
+
+/// Endings that programs open a file by, and that none of the formats has.
+constexpr std::string_view OtherEndings[] = {".doc", ".docx", ".dot", ".odt", ".pdf",
+                                             ".txt", ".csv",  ".tsv", ".xls", ".xlsx",
+                                             ".ods", ".xml",  ".tmx", ".xlf", ".xliff"};
+
+bool Has(const Format& format, std::string_view ending) {
+    return std::find(format.endings.begin(), format.endings.end(), ending) != format.endings.end();
+}
+
 }  // namespace
+
+void SettleFormat(ExportLook& look, const std::string& fileName) {
+    std::string ending = std::filesystem::path(fileName).extension().string();
+    std::transform(ending.begin(), ending.end(), ending.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    bool isKnown = std::find(std::begin(OtherEndings), std::end(OtherEndings), ending) !=
+                   std::end(OtherEndings);
+    for (const Format& format : Formats) {
+        isKnown = isKnown || Has(format, ending);
+        if (look.format.empty() && Has(format, ending)) {
+            look.format = format.name;
+        }
+    }
+    if (look.format.empty()) {
+        look.format = Formats[0].name;
+    }
+    const Format& chosen =
+        *std::find_if(std::begin(Formats), std::end(Formats),
+                      [&](const Format& one) { return one.name == look.format; });
+    if (isKnown && !Has(chosen, ending)) {
+        throw UsageError("--output: " + fileName + " ends in " + ending + ", but --format " +
+                         look.format + " writes " + chosen.description + "; name it with " +
+                         std::string(chosen.endings[0]));
+    }
+}
 
 std::int32_t ExportLook::OptionBits() const {
     return options | (omitIdColumn ? 0 : ShowIdColumn) |
@@ -124,9 +174,11 @@ void AddLookOptions(CLI::App* command, ExportLook& look) {
         ->add_flag("--no-id-column", look.omitIdColumn,
                    "Leave out the identifiers; such a file cannot be imported again")
         ->group(Appearance);
-    command->add_option("--format", look.format, "rtf; html and twb where the library has them")
+    command
+        ->add_option("--format", look.format,
+                     "rtf: a table; html: a page for reading; twb: a bilingual document in the "
+                     "tw4win layout. Without it the ending of the file's name decides")
         ->check(CLI::IsMember({"rtf", "html", "twb"}))
-        ->capture_default_str()
         ->group(Appearance);
     command->add_option("--source-font", look.sourceFont, "The font of the source column")
         ->check(CheckFont)

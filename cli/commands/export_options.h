@@ -14,7 +14,7 @@ namespace generalutilities::cli {
 struct ExportLook {
     std::int32_t options = 0;  ///< the bits of the flags that were given
     bool omitIdColumn = false;
-    std::string format = "rtf";
+    std::string format;  ///< empty: the ending of the file's name decides
     std::string sourceFont = "Tahoma";
     std::string targetFont = "Tahoma";
     /// "#RRGGBB", in the order of the arguments of `ExportExternalView`.
@@ -25,6 +25,10 @@ struct ExportLook {
     /// A colour as the argument takes it, 0x00BBGGRR. The text has been checked before.
     std::int32_t ColorValue(std::size_t index) const;
 };
+
+/// Chooses the format by the name of the file where none was asked for. Throws a `UsageError` for a
+/// name with the ending of another one.
+void SettleFormat(ExportLook& look, const std::string& fileName);
 
 /// Adds one option for each bit, colour and font.
 void AddLookOptions(CLI::App* command, ExportLook& look);

@@ -1,5 +1,6 @@
 #include "commands/import_command.h"
 
+#include <generalutilities/extview/export_options.h>
 #include <generalutilities/interfaces/class_ids.h>
 #include <generalutilities/interfaces/ext_view_helper.h>
 #include <generalutilities/project/review_report.h>
@@ -193,9 +194,9 @@ void Store(CommandContext& context, const OpenProject& project, const ImportOpti
         const EventConnection events(helper, [&](int percent) { display.Update(percent); });
         const Bstr file(reviewed.Path());
         SetErrorInfo(0, nullptr);
-        Check(
-            helper->ImportExternalView(project.object.Get(), file.Get(), langId, 0, VARIANT_FALSE),
-            "importing " + options.file + " into " + options.project);
+        Check(helper->ImportExternalView(project.object.Get(), file.Get(), langId,
+                                         reviewed.IsBilingual() ? FormatTwb : 0, VARIANT_FALSE),
+              "importing " + options.file + " into " + options.project);
     }
     const std::string missing = CheckReimportedRows(*project.database, summary);
     if (!missing.empty()) {
@@ -269,9 +270,9 @@ ExitCode RunImport(CommandContext& context, const ImportOptions& options) {
 void AddImportCommand(CLI::App& parent, CommandContext& context) {
     auto options = std::make_shared<ImportOptions>();
     CLI::App* command = parent.add_subcommand(
-        "import", "Read a reviewed table back, and say what became of every row");
+        "import", "Read a reviewed file back, and say what became of every row");
     command->add_option("PROJECT", options->project, "The project file")->required()->type_name("");
-    command->add_option("FILE", options->file, "The reviewed table, RTF")
+    command->add_option("FILE", options->file, "The reviewed table or bilingual document, RTF")
         ->required()
         ->type_name("");
     command
@@ -281,7 +282,8 @@ void AddImportCommand(CLI::App& parent, CommandContext& context) {
         ->type_name("LANGUAGE");
     command->add_flag("--as-is", options->asIs,
                       "Read the file untouched: with tracked deletions, labels of lists, footnotes "
-                      "and digits of pictures as text, and without two kinds of hyphens");
+                      "and digits of pictures as text, without two kinds of hyphens and without "
+                      "text that has the style of a mark or a code");
     command->add_flag("--dry-run,-n", options->dryRun, "Report, and change nothing");
     command
         ->add_option("--report", options->report,

@@ -8,7 +8,8 @@
 
 namespace generalutilities {
 
-PreparedFile::PreparedFile(std::u16string_view path) : name(path) {}
+PreparedFile::PreparedFile(std::u16string_view path)
+    : name(path), isBilingual(IsBilingualDocument(path)) {}
 PreparedFile::PreparedFile(PreparedFile&&) noexcept = default;
 PreparedFile& PreparedFile::operator=(PreparedFile&&) noexcept = default;
 PreparedFile::~PreparedFile() = default;

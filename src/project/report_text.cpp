@@ -93,6 +93,9 @@ std::vector<std::string> RemarksOn(const ReviewedRow& row) {
         remarks.push_back("ends at byte offset " + std::to_string(row.offset) +
                           " with fewer than two cells; an import reads no row behind it");
     }
+    if (row.marksDamaged) {
+        remarks.push_back("its marks are damaged; it holds texts of other segments");
+    }
     if (row.firstRowOfId) {
         remarks.push_back("same identifier as row " + std::to_string(*row.firstRowOfId));
     }

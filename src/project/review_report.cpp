@@ -8,6 +8,7 @@
 #include <generalutilities/project/review_report.h>
 
 #include "extview/rtf/rtf_import.h"
+#include "extview/rtf/twb_import.h"
 #include "platform/files/utf8.h"
 #include "project/project_access.h"
 
@@ -56,51 +57,118 @@ class StoredRows {
     int fileId;
 };
 
+/// The rows of a reviewed file, of either form.
+class FileRows {
+  public:
+    virtual ~FileRows() = default;
+    virtual CExternalViewImport& Import() = 0;
+    virtual CRTFReader& Reader() = 0;
+    /// Reads a row whatever there is of it; false when the file has ended.
+    virtual bool Read() = 0;
+    /// Identifier, source, target, and then what there is of comment and status: see
+    /// `CRTFImport::Cells`. When the file has ended, those of a row that it cuts off.
+    virtual std::span<const std::u16string> Cells() = 0;
+    /// Whether the row holds more than one.
+    virtual bool IsDamaged() const { return false; }
+    /// Control words without which a file has no rows.
+    virtual std::span<const std::string_view> NeededWords() const = 0;
+};
+
+class TableRows final : public FileRows {
+  public:
+    CExternalViewImport& Import() override { return file; }
+    CRTFReader& Reader() override { return file; }
+    bool Read() override { return file.ReadCells(); }
+    std::span<const std::u16string> Cells() override { return file.Cells(); }
+    std::span<const std::string_view> NeededWords() const override {
+        static constexpr std::string_view Words[] = {"\\fonttbl", "\\stylesheet", "\\row"};
+        return Words;
+    }
+
+  private:
+    CRTFImport file;
+};
+
+class BilingualRows final : public FileRows {
+  public:
+    CExternalViewImport& Import() override { return file; }
+    CRTFReader& Reader() override { return file; }
+    bool Read() override {
+        std::int32_t status = -1;
+        isCutOff = !file.NextRow(cells[0], cells[1], cells[2], cells[3], status);
+        return !isCutOff;
+    }
+    std::span<const std::u16string> Cells() override {
+        if (!isCutOff) {
+            return cells;
+        }
+        file.ReadId(cells[0]);
+        return std::span(cells).first(file.CellCount() == 0 ? 1 : 2);
+    }
+    bool IsDamaged() const override { return file.CellCount() != rtf::TwbCells::CellsOfRow; }
+    std::span<const std::string_view> NeededWords() const override { return {}; }
+
+  private:
+    CTWBImport file;
+    std::array<std::u16string, 4> cells;
+    bool isCutOff = false;
+};
+
+std::unique_ptr<FileRows> RowsOf(const PreparedFile& prepared) {
+    if (prepared.IsBilingual()) {
+        return std::make_unique<BilingualRows>();
+    }
+    return std::make_unique<TableRows>();
+}
+
 class ReportWalk {
   public:
     ReportWalk(Database& database, const PreparedFile& prepared, std::int32_t langId,
                const std::function<void(const ReviewedRow&)>& rowSink,
                const std::function<void(int)>& percentSink)
-        : stored(database, langId),
+        : rows(RowsOf(prepared)),
+          import(rows->Import()),
+          file(rows->Reader()),
+          stored(database, langId),
           preparation(prepared.Preparation()),
           name(files::ToUtf8Lossy(prepared.Name())),
           row(rowSink),
           percent(percentSink) {
-        file.SetSource(prepared.Path(), langId);
+        import.SetSource(prepared.Path(), langId);
     }
 
     ReviewSummary Run() {
         Open();
         bool hasMore = true;
         while (hasMore) {
-            hasMore = file.ReadCells();
+            hasMore = rows->Read();
             if (hasMore) {
-                ReadRow(file.Cells());
+                ReadRow(rows->Cells());
                 TellPercent();
             }
         }
-        if (file.FileIsDamaged()) {
+        if (import.FileIsDamaged()) {
             throw Error(ErrorReadFault, name + ": cannot be read behind byte offset " +
                                             std::to_string(OriginalPosition()));
         }
-        const bool hasOpenRow = file.Cells().size() > 1;  // cells, and no end of their row
+        const bool hasOpenRow = rows->Cells().size() > 1;  // cells, and no end of their row
         summary.endsInsideRow = hasOpenRow || LacksEnd();
         if (hasOpenRow) {
             stopped = true;
-            ReadRow(file.Cells());
+            ReadRow(rows->Cells());
         }
-        file.CloseFile();
+        import.CloseFile();
         CountMissing();
         return summary;
     }
 
   private:
     void Open() {
-        if (!file.OpenFile()) {
+        if (!import.OpenFile()) {
             throw Error(everrUnableToOpenFile,
                         name + ": cannot be opened; is it a file, and may it be read?");
         }
-        if (!file.ReadHeader()) {
+        if (!import.ReadHeader()) {
             throw Error(everrNotEnoughFieldsPresent, name + ": " + WhyNoTable());
         }
     }
@@ -112,7 +180,7 @@ class ReportWalk {
                    std::to_string(preparation.OriginalOffset(0, file.FileSize())) +
                    ", before the first row of an RTF table; was it cut off on its way?";
         }
-        for (const std::string_view word : {"\\fonttbl", "\\stylesheet", "\\row"}) {
+        for (const std::string_view word : rows->NeededWords()) {
             if (file.FindInFile(0, word) == RtfFilePager::NotFound) {
                 return "is no reviewed table: there is no \"" + std::string(word) +
                        "\" in it; save the whole document with the table as Rich Text Format (RTF)";
@@ -166,6 +234,7 @@ class ReportWalk {
         reviewed.offset = OriginalPosition();
         const bool complete = cells.size() >= RequiredCells;
         reviewed.id = cells.empty() ? std::u16string_view() : cells[0];
+        reviewed.marksDamaged = rows->IsDamaged();
         if (complete) {
             reviewed.source = cells[1];
             reviewed.target = cells[2];
@@ -257,7 +326,9 @@ class ReportWalk {
         }
     }
 
-    CRTFImport file;
+    const std::unique_ptr<FileRows> rows;
+    CExternalViewImport& import;
+    CRTFReader& file;  ///< the same object
     StoredRows stored;
     const PreparedReview& preparation;
     std::string name;  ///< for messages

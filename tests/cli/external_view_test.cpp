@@ -52,6 +52,37 @@ TEST_F(ExternalView, EveryOptionReachesTheFile) {
     }
 }
 
+TEST_F(ExternalView, FormatsAndTheEndingsOfNames) {
+    const struct {
+        const char* name;
+        std::vector<std::string> options;
+        const char* start;
+        const char* message;
+    } cases[] = {
+        {"a.HTM", {}, "<html>", ""},
+        {"a.twb", {"--no-id-column"}, "{\\rtf1 \\ansi", "have no effect on a bilingual document"},
+        {"a", {"--format", "html", "--no-id-column"}, "<html>", ""},
+        {"a", {"--locked-is-perfect"}, "{\\rtf1\\adef", "are for --format twb alone"},
+        {"a.docx",
+         {},
+         "",
+         "ends in .docx, but --format rtf writes an RTF table; name it with .rtf"},
+        {"a.rtf", {"--format", "html"}, "", "writes an HTML page; name it with .html"},
+        {"a.html", {"--format", "twb"}, "", "writes a bilingual document, which is RTF; name it"},
+    };
+    for (const auto& one : cases) {
+        file = folder / one.name;
+        const Result result = Export(one.options);
+        EXPECT_EQ(result.exitCode, *one.start == '\0' ? 2 : 0) << result.error;
+        EXPECT_THAT(result.error, HasSubstr(one.message));
+        EXPECT_EQ(std::filesystem::exists(file), *one.start != '\0');
+        if (*one.start != '\0') {
+            EXPECT_THAT(ReadFile(file), testing::StartsWith(one.start));
+            std::filesystem::remove(file);
+        }
+    }
+}
+
 TEST_F(ExternalView, NoticesThatTheOutputDoesNotReachTheDisk) {
     project = MakeLongProject(folder, 2000);
     std::filesystem::remove(folder / "a.project");

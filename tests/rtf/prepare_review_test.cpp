@@ -2,9 +2,10 @@
 
 #include <generalutilities/error.h>
 
-#include "database/temporary_folder.h"
+#include "case_table.h"
 #include "extview/rtf/rtf_import.h"
 #include "sample_head.h"
+#include "twb_document.h"
 
 #include <gtest/gtest.h>
 
@@ -24,7 +25,7 @@ struct Outcome {
 };
 
 std::string_view Letter(ReviewFinding finding) {
-    return std::string_view("DRIKLPFSNXMB").substr(static_cast<std::size_t>(finding), 1);
+    return std::string_view("DRIKLPFSNXMBTOEGW").substr(static_cast<std::size_t>(finding), 1);
 }
 
 Outcome Prepare(const std::string& file) {
@@ -170,6 +171,20 @@ TEST(PrepareReview, WritesHyphensSoThatTheyAreRead) {
             {"1\\cell\\u8209\\_\\u173\\-b\\cell", "1\\cell\\u8209\\_\\u173?b\\cell", "S1,1 "},
             {"1\\cell\\uc3 \\-b\\cell", "1\\cell\\uc3 {\\uc0\\u173 }b\\cell", "S1,1 "},
         });
+}
+
+/// What was met, and the rows that are read from the copy. Beside the findings above: T text in the
+/// style of a mark or a code, O text outside, E empty source, G missing mark, W damaged row.
+TEST(PrepareReview, MendsTheSegmentsOfABilingualDocument) {
+    for (const auto& row : CaseTable("twb_reviews.tsv")) {
+        const std::string file = testing::TwbDocument(row[0]);
+        const Outcome outcome = Prepare(file);
+        EXPECT_EQ(outcome.met, Bytes(row[1])) << file;
+        testing::TwbImportOf import(outcome.copy);
+        EXPECT_EQ(testing::RowsOf(import), row[2]) << file << outcome.copy;
+        EXPECT_TRUE(import.mostCells == 0 || import.mostCells == 6) << file << outcome.copy;
+        EXPECT_FALSE(Prepare(outcome.copy).prepared.isChanged) << file << outcome.copy;
+    }
 }
 
 TEST(PrepareReview, LeavesTheHeadAlone) {

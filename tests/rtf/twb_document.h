@@ -1,5 +1,10 @@
 #pragma once
 
+#include "extview/rtf/twb_import.h"
+#include "memory_file.h"
+
+#include <algorithm>
+#include <gtest/gtest.h>
 #include <string>
 #include <string_view>
 
@@ -34,6 +39,33 @@ inline std::string TwbDocument(std::u16string_view runs) {
         runs.remove_prefix(std::min(end + 1, runs.size()));
     }
     return document + "}";
+}
+
+/// A `CTWBImport` of a file in memory.
+class TwbImportOf : public CTWBImport {
+  public:
+    explicit TwbImportOf(std::string content) : file(std::move(content)) {}
+    bool OpenFile() override {
+        CTWBImport::OpenFile();  // the file that `sourceFile` names does not exist
+        return Open(FileOf(file));
+    }
+    std::string file;
+    std::size_t mostCells = 0;  ///< of the rows that `RowsOf` has read
+};
+
+/// The rows of a document, as "id|source|target / ...".
+inline std::u16string RowsOf(TwbImportOf& import) {
+    EXPECT_TRUE(import.OpenFile());
+    EXPECT_TRUE(import.ReadHeader());
+    std::u16string rows, id, source, target, comments = u"before";
+    for (std::int32_t status = 7; import.NextRow(id, source, target, comments, status);) {
+        EXPECT_EQ(comments, u"");
+        EXPECT_EQ(status, -1);
+        import.mostCells = std::max(import.mostCells, import.CellCount());
+        rows += (rows.empty() ? u"" : u" / ") + id + u"|" + source + u"|" + target;
+    }
+    import.CloseFile();
+    return rows;
 }
 
 }  // namespace generalutilities::testing

@@ -9,38 +9,14 @@
 namespace generalutilities {
 namespace {
 
-using testing::FileOf;
+using testing::RowsOf;
 using testing::TwbDocument;
 using testing::TwbHead;
-
-/// A `CTWBImport` of a file in memory.
-class Import : public CTWBImport {
-  public:
-    explicit Import(std::string content) : file(std::move(content)) {}
-    bool OpenFile() override {
-        CTWBImport::OpenFile();  // the file that `sourceFile` names does not exist
-        return Open(FileOf(file));
-    }
-    std::string file;
-};
-
-/// The rows of a document, as "id|source|target / ...".
-std::u16string RowsOf(Import& import) {
-    EXPECT_TRUE(import.OpenFile());
-    EXPECT_TRUE(import.ReadHeader());
-    std::u16string rows, id, source, target, comments = u"before";
-    for (std::int32_t status = 7; import.NextRow(id, source, target, comments, status);) {
-        EXPECT_EQ(comments, u"");
-        EXPECT_EQ(status, -1);
-        rows += (rows.empty() ? u"" : u" / ") + id + u"|" + source + u"|" + target;
-    }
-    import.CloseFile();
-    return rows;
-}
+using testing::TwbImportOf;
 
 TEST(TwbImport, CellsByStyle) {
     for (const auto& row : CaseTable("twb_rows.tsv")) {
-        Import import(TwbDocument(row[0]));
+        TwbImportOf import(TwbDocument(row[0]));
         EXPECT_EQ(RowsOf(import), row[1]) << import.file;
         EXPECT_EQ(RowsOf(import), row[1]) << "again";
     }
@@ -185,7 +161,7 @@ TEST(TwbImport, TakesHostileFiles) {
          {start + u"m" + many(u"<}0{>"), start + many(u"m{0>¦"), start + many(u"m<}7{>¦ta¦"),
           start + u"i" + many(u"<c:"), start + many(u"i<c:1>¦ta¦"), many(u"x<ID 1> ¦"),
           start + u"m" + many(u"<0}{0>")}) {
-        Import import(TwbDocument(body));
+        TwbImportOf import(TwbDocument(body));
         EXPECT_LE(RowsOf(import).size(), import.file.size()) << Bytes(body.substr(0, 40));
     }
 }

@@ -12,9 +12,10 @@
 ///
 /// The reader of reviewed tables takes every character that stands in a cell. A word processor also
 /// writes there what the reviewer does not see as text of the cell: tracked deletions, the labels
-/// of lists, pictures as digits, footnotes; and it writes two hyphens in a way that loses them. The
-/// preparation makes a copy of the file in which a cell holds exactly what the reviewer left.
-/// docs/external-view.md has the table of all cases.
+/// of lists, pictures as digits, footnotes; and it writes two hyphens in a way that loses them. In
+/// a bilingual document it gives the style of a mark or a code, which makes them what they are, to
+/// text that is typed behind them. The preparation makes a copy of the file in which a cell holds
+/// exactly what the reviewer left. docs/external-view.md has the table of all cases.
 namespace generalutilities {
 
 /// What the preparation meets in a file.
@@ -32,8 +33,13 @@ enum class ReviewFinding : std::uint8_t {
     StrayDate,          ///< the date of a tracked change of format, written as text: left out
     MarginComment,      ///< a comment in the margin, which no cell holds: not read
     Drawing,            ///< a text box or another drawing: not read
+    StyledText,   ///< text in the style of a mark or a code that is neither: kept as the segment's
+    OutsideText,  ///< text beside the texts of a segment, such as behind its identifier: left out
+    EmptySource,  ///< a segment without a source: its match value written so that it is read
+    MissingMark,  ///< a segment without an end mark: it ends where the next one begins
+    DamagedRow,   ///< a segment whose marks are damaged: left out
 };
-inline constexpr std::size_t ReviewFindingCount = 12;
+inline constexpr std::size_t ReviewFindingCount = 17;
 
 /// The finding as a word for programs: "deleted-text", "list-label", ...
 std::string_view ReviewFindingName(ReviewFinding finding);
@@ -44,7 +50,7 @@ std::string_view DescribeFinding(ReviewFinding finding);
 /// Where something was met.
 struct ReviewFindingPlace {
     ReviewFinding finding = ReviewFinding::DeletedText;
-    std::uint64_t row = 0;     ///< 0 is the heading row; as counted in the copy
+    std::uint64_t row = 0;     ///< 0 is the heading row of a table; as counted in the copy
     std::uint32_t cell = 0;    ///< 0 is the identifier
     std::uint32_t offset = 0;  ///< the byte in the reviewed file
 };
@@ -72,13 +78,20 @@ struct PreparedReview {
     std::uint64_t OriginalOffset(std::uint64_t row, std::uint64_t offset) const;
 };
 
-/// Reads a reviewed RTF table and hands its prepared copy to `write`, piece by piece and in order.
-/// A file that needs no change is not copied: `write` is then never called, and the file is to be
-/// read itself. `found` (may be empty) hears of everything that was met, row by row.
+/// Whether a reviewed file is a bilingual document and no table; false if it cannot be read. It has
+/// the styles of one, which templates of word processors bring to other documents, too, and a
+/// segment or at least no table.
+bool IsBilingualDocument(std::u16string_view path);
+
+/// Reads a reviewed RTF table or bilingual document and hands its prepared copy to `write`, piece
+/// by piece and in order. A file that needs no change is not copied: `write` is then never called,
+/// and the file is to be read itself. `found` (may be empty) hears of everything that was met, row
+/// by row.
 ///
 /// One pass, linear in the file. Memory: two pages, one small entry per open group and one per
-/// changed row. Throws `Error` when the file cannot be opened or read; what `write` throws passes
-/// through. A file that is no RTF table needs no change: reading it tells what is wrong with it.
+/// changed row, and of a bilingual document the changes of one segment. Throws `Error` when the
+/// file cannot be opened or read; what `write` throws passes through. A file that is neither needs
+/// no change: reading it tells what is wrong with it.
 PreparedReview PrepareReviewedFile(
     std::u16string_view path, const std::function<void(std::string_view)>& write,
     const std::function<void(const ReviewFindingPlace&)>& found = {});

@@ -21,7 +21,7 @@ class PreparedFile {
     /// read or the copy cannot be written.
     static PreparedFile Prepare(std::u16string_view path,
                                 const std::function<void(const ReviewFindingPlace&)>& found = {});
-    /// The file itself; nothing is opened.
+    /// The file itself.
     static PreparedFile AsIs(std::u16string_view path);
 
     PreparedFile(PreparedFile&&) noexcept;
@@ -33,11 +33,14 @@ class PreparedFile {
     /// What an import is to read: the file or its copy.
     std::u16string Path() const;
     const PreparedReview& Preparation() const { return preparation; }
+    /// Whether an import is to read it as a bilingual document.
+    bool IsBilingual() const { return isBilingual; }
 
   private:
     explicit PreparedFile(std::u16string_view path);
 
     std::u16string name;
+    bool isBilingual;
     std::unique_ptr<files::TemporaryFile> copy;  ///< null when the file itself is read
     PreparedReview preparation;
 };

@@ -13,7 +13,7 @@
 #include <string_view>
 #include <vector>
 
-/// What a reviewed RTF table says about a project, row by row.
+/// What a reviewed RTF table or bilingual document says about a project, row by row.
 ///
 /// An import is quiet about what it leaves out. This report is made from the file itself: it walks
 /// every row that stands there, also those behind the place where an import stops reading, and
@@ -44,6 +44,8 @@ struct ReviewedRow {
     bool sourceChanged = false;
     bool commentsChanged = false;
     bool statusChanged = false;
+    /// Of a bilingual document that was not prepared: the row is put together from several.
+    bool marksDamaged = false;
     bool locked = false;                        ///< an import does not mark the row as accepted
     std::optional<std::uint64_t> firstRowOfId;  ///< an earlier row with the same identifier
     /// The codes of the file's target against the stored source; empty for an empty target.

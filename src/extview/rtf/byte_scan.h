@@ -124,4 +124,23 @@ inline void AppendSignExtended(std::string_view bytes, std::u16string& text) {
     }
 }
 
+/// The value of a hexadecimal digit; anything else counts as 0.
+inline int HexValue(char digit) {
+    if (digit >= '0' && digit <= '9') {
+        return digit - '0';
+    }
+    if (digit >= 'a' && digit <= 'f') {
+        return digit - 'a' + 10;
+    }
+    if (digit >= 'A' && digit <= 'F') {
+        return digit - 'A' + 10;
+    }
+    return 0;
+}
+
+/// The byte of an escape by its two digits.
+inline int HexByte(char first, char second) {
+    return HexValue(first) * 16 + HexValue(second);
+}
+
 }  // namespace generalutilities::rtf

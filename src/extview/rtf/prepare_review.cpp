@@ -3,10 +3,11 @@
 #include <generalutilities/error.h>
 
 #include "extview/rtf/review_walk.h"
-#include "extview/rtf/rtf_reader.h"
+#include "extview/rtf/twb_import.h"
 #include "platform/files/utf8.h"
 
 #include <algorithm>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -14,9 +15,10 @@ namespace generalutilities {
 
 std::string_view ReviewFindingName(ReviewFinding finding) {
     constexpr std::string_view Names[ReviewFindingCount] = {
-        "deleted-text",        "deleted-row",      "inserted-text",  "kept-break",
-        "list-label",          "fallback-picture", "footnote",       "soft-hyphen",
-        "non-breaking-hyphen", "stray-date",       "margin-comment", "drawing"};
+        "deleted-text",     "deleted-row", "inserted-text", "kept-break",          "list-label",
+        "fallback-picture", "footnote",    "soft-hyphen",   "non-breaking-hyphen", "stray-date",
+        "margin-comment",   "drawing",     "styled-text",   "outside-text",        "empty-source",
+        "missing-mark",     "damaged-row"};
     return Names[static_cast<std::size_t>(finding)];
 }
 
@@ -25,7 +27,7 @@ std::string DescribePlace(const ReviewFindingPlace& place) {
                                           "comment",    "status", "file name"};
     const std::string row = place.row == 0 ? "the heading row" : "row " + std::to_string(place.row);
     const std::string offset = ", byte " + std::to_string(place.offset);
-    if (place.finding == ReviewFinding::DeletedRow) {
+    if (place.finding == ReviewFinding::DeletedRow || place.finding == ReviewFinding::DamagedRow) {
         return "before " + row + offset;
     }
     return (place.cell < std::size(Cells) ? std::string(Cells[place.cell])
@@ -61,6 +63,16 @@ std::string_view DescribeFinding(ReviewFinding finding) {
             return "a comment in the margin: not read; only the column of comments comes back";
         case ReviewFinding::Drawing:
             return "a text box or another drawing: not read";
+        case ReviewFinding::StyledText:
+            return "text that has taken the style of the mark or code before it: kept";
+        case ReviewFinding::OutsideText:
+            return "text that is no part of a segment's source or target: left out";
+        case ReviewFinding::EmptySource:
+            return "a segment without a source: kept";
+        case ReviewFinding::MissingMark:
+            return "a segment whose end mark is missing: read up to the next segment";
+        case ReviewFinding::DamagedRow:
+            return "a segment whose marks are damaged: left out";
     }
     return {};
 }
@@ -78,7 +90,7 @@ PreparedReview rtf::PrepareReview(std::unique_ptr<files::FileReader> head,
                                   const std::function<void(std::string_view)>& write,
                                   const std::function<void(const ReviewFindingPlace&)>& found,
                                   const std::string& name) {
-    CRTFReader reader;
+    CTWBImport reader;
     RtfFilePager pager;
     if (!reader.Open(std::move(head)) || !pager.Open(std::move(file))) {
         throw Error(everrUnableToOpenFile,
@@ -87,14 +99,21 @@ PreparedReview rtf::PrepareReview(std::unique_ptr<files::FileReader> head,
     PreparedReview result;
     if (reader.Prepare() && reader.Position() < reader.FileSize()) {
         const std::uint32_t body = reader.Position();
+        const std::optional<rtf::TwbStyles> styles =
+            reader.IsBilingual() ? std::optional(reader.Styles()) : std::nullopt;
         reader.Close();
-        result = rtf::ReviewWalk(pager, write, found).Run(body);
+        result = rtf::ReviewWalk(pager, styles, write, found).Run(body);
     }
     if (pager.ReadFailed() || reader.ReadFailed()) {
         throw Error(ErrorReadFault, name + ": cannot be read behind byte offset " +
                                         std::to_string(pager.FileSize()));
     }
     return result;
+}
+
+bool IsBilingualDocument(std::u16string_view path) {
+    CTWBImport file;
+    return file.Open(path) && file.Prepare() && file.IsBilingual();
 }
 
 PreparedReview PrepareReviewedFile(std::u16string_view path,

@@ -1,23 +1,41 @@
 #include "extview/rtf/review_copy.h"
 
+#include <algorithm>
+#include <utility>
+
 namespace generalutilities::rtf {
 
-void ReviewCopy::Drop(std::uint32_t from, std::uint32_t to) {
-    CopyTo(from);
-    copied = to;
-    shift += to - from;
+void ReviewCopy::Take(Edit edit) {
     isChanged = true;
+    if (isHolding) {
+        held.push_back(std::move(edit));
+    } else {
+        Make(edit);
+    }
 }
 
-void ReviewCopy::Insert(std::uint32_t at, std::string_view text) {
-    CopyTo(at);
-    write(text);
-    shift -= static_cast<std::int64_t>(text.size());
-    isChanged = true;
+void ReviewCopy::Make(const Edit& edit) {
+    CopyTo(edit.from);
+    if (!edit.text.empty()) {
+        write(edit.text);
+    }
+    copied = std::max(copied, edit.to);
+    shift += edit.to - edit.from;
+    shift -= static_cast<std::int64_t>(edit.text.size());
+}
+
+void ReviewCopy::Release(std::uint32_t end) {
+    const auto later = std::stable_partition(held.begin(), held.end(),
+                                             [end](const Edit& edit) { return edit.from <= end; });
+    std::stable_sort(held.begin(), later,
+                     [](const Edit& one, const Edit& other) { return one.from < other.from; });
+    std::for_each(held.begin(), later, [this](const Edit& edit) { Make(edit); });
+    held.erase(held.begin(), later);
 }
 
 void ReviewCopy::Finish() {
     if (isChanged) {
+        Release(source.FileSize());
         CopyTo(source.FileSize());
     }
 }

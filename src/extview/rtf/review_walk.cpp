@@ -42,16 +42,22 @@ constexpr Destination StarredDestinations[] = {
     {"shpinst", ReviewFinding::Drawing},
 };
 
-constexpr std::string_view SoftHyphenText = "{\\uc0\\u173 }";
-constexpr std::string_view NonBreakingHyphenText = "{\\uc0\\u8209 }";
-
 }  // namespace
 
-ReviewWalk::ReviewWalk(RtfFilePager& file, const std::function<void(std::string_view)>& write,
+ReviewWalk::ReviewWalk(RtfFilePager& file, const std::optional<TwbStyles>& styles,
+                       const std::function<void(std::string_view)>& write,
                        const std::function<void(const ReviewFindingPlace&)>& sink)
     : pager(file), copy(file, write), found(sink) {
-    for (const char* name : {"cell", "row", "deleted", "mvf", "revised", "mvt", "generator"}) {
+    for (const char* name : {"deleted", "mvf", "revised", "mvt", "generator"}) {
         words.Add(name);
+    }
+    if (styles) {
+        bilingual.emplace(*styles, file, copy, [this](ReviewFinding finding, std::uint32_t offset) {
+            Report(finding, offset);
+        });
+    } else {
+        words.Add("cell");
+        words.Add("row");
     }
     for (const Destination& destination : Destinations) {
         words.Add(destination.name);
@@ -70,10 +76,15 @@ PreparedReview ReviewWalk::Run(std::uint32_t body) {
         Step(rest);
     }
     WriteHeld(pager.FileSize());
+    if (bilingual) {
+        bilingual->Finish();
+        result.shifts = bilingual->Shifts();
+        row = bilingual->Row();
+    }
+    copy.Finish();
     if (copy.IsChanged()) {
         result.shifts.push_back({row, copy.Shift()});  // a row that the end of the file cuts off
     }
-    copy.Finish();
     result.isChanged = copy.IsChanged();
     return std::move(result);
 }
@@ -137,19 +148,25 @@ void ReviewWalk::TakeEscape(std::string_view rest) {
     const char next = rest.size() > 1 ? rest[1] : pager.ByteAt(position + 1);
     switch (next) {
         case '\\':
+            TakeCharacters(position + 2, u"\\");
+            break;
         case '{':
+            TakeCharacters(position + 2, u"{");
+            break;
         case '}':
+            TakeCharacters(position + 2, u"}");
+            break;
         case '~':
-            TakeCharacters(position + 2, 1);
+            TakeCharacters(position + 2, u"\u00A0");
             break;
         case '\'':
             TakeHexByte();
             break;
         case '-':
-            TakeHyphen(ReviewFinding::SoftHyphen, SoftHyphenText);
+            TakeHyphen(SoftHyphen);
             break;
         case '_':
-            TakeHyphen(ReviewFinding::NonBreakingHyphen, NonBreakingHyphenText);
+            TakeHyphen(NonBreakingHyphen);
             break;
         case ':':
             position += 2;
@@ -162,7 +179,10 @@ void ReviewWalk::TakeEscape(std::string_view rest) {
 /// An escape with fewer than five bytes to the end of the file is no byte to the reader.
 void ReviewWalk::TakeHexByte() {
     if (std::uint64_t{position} + 4 < pager.FileSize()) {
-        TakeCharacters(position + 4, 1);
+        const int value = HexByte(pager.ByteAt(position + 2), pager.ByteAt(position + 3));
+        // Whatever the font says, bytes beyond ASCII are part of no mark.
+        const char16_t character = value < 0x80 ? static_cast<char16_t>(value) : u'\uFFFD';
+        TakeCharacters(position + 4, {&character, 1});
     } else {
         position += 2;
     }
@@ -170,29 +190,30 @@ void ReviewWalk::TakeHexByte() {
 
 /// Behind a `\u` an escape is its fallback and one character long, which the reader does not know
 /// of the soft hyphen.
-void ReviewWalk::TakeHyphen(ReviewFinding finding, std::string_view replacement) {
+void ReviewWalk::TakeHyphen(const Hyphen& hyphen) {
     const bool isFallback = skipCount > 0;
-    if (!isInBody || IsGone() || (isFallback && finding == ReviewFinding::NonBreakingHyphen)) {
-        TakeCharacters(position + 2, 1);
+    const std::uint32_t from = position;
+    const std::uint32_t end = from + HyphenEscapeLength;
+    if (!isInBody || IsGone() || (isFallback && &hyphen == &NonBreakingHyphen)) {
+        TakeCharacters(end, {&hyphen.character, 1});
         return;
     }
+    position = end;
     if (isFallback) {
         --skipCount;
-    } else {
-        KeepText(position);
+    } else if (!KeepText(from, end, hyphen.character)) {
+        return;
     }
-    Report(finding, position);
-    copy.Drop(position, position + 2);
-    position += 2;
-    copy.Insert(position, isFallback ? "?" : replacement);
+    Report(hyphen.finding, from);
+    copy.Drop(from, end);
+    copy.Insert(end, isFallback ? "?" : hyphen.asRead);
 }
 
 void ReviewWalk::TakePlainText(std::string_view text) {
     if (isLibreOffice && position == groupOpenedAt + 1 && StandsStrayDate()) {
         return;
     }
-    TakeCharacters(position + static_cast<std::uint32_t>(text.size()),
-                   static_cast<std::uint32_t>(text.size()));
+    TakePlainCharacters(static_cast<std::uint32_t>(text.size()));
 }
 
 /// Leaves out a date that stands directly behind the brace: a number, a blank, a control word.
@@ -226,12 +247,12 @@ void ReviewWalk::TakeControlWord() {
             if (word.name == "par") {
                 TakeBreak(end);
             } else {
-                TakeCharacters(end, static_cast<std::uint32_t>(meaning.characters.size()));
+                TakeCharacters(end, meaning.characters);
             }
             return;
         }
         case WordKind::Unicode:
-            TakeUnicode(word.end);
+            TakeUnicode(word.end, word.argument);
             return;
         case WordKind::FallbackCount:
             groups.back().fallbackCount = word.argument;
@@ -247,8 +268,10 @@ void ReviewWalk::TakeControlWord() {
                 groups.back().marks = 0;
             }
             break;
-        case WordKind::Font:
         case WordKind::Style:
+            groups.back().style = word.argument;
+            break;
+        case WordKind::Font:
             break;
         case WordKind::Other:
             TakeOwnWord(word.name, word);
@@ -339,25 +362,46 @@ std::uint32_t ReviewWalk::GroupEnd(std::uint32_t start, bool& closed) {
     return offset;
 }
 
-/// Takes `count` characters that end at `end`. What the reader drops as a fallback stays.
-void ReviewWalk::TakeCharacters(std::uint32_t end, std::uint32_t count) {
+/// Takes plain text, of which every byte is a character. What the reader drops as a fallback stays.
+void ReviewWalk::TakePlainCharacters(std::uint32_t count) {
     const std::uint32_t fallback = std::min(skipCount, count);
-    const std::uint32_t from = position;
+    const std::uint32_t from = position + fallback;
     skipCount -= fallback;
-    position = end;
+    TakeFallback(from);
+    position = from + count - fallback;
     if (isInBody && fallback < count) {
-        // Only plain text can be cut, and of it every byte is a character.
-        const bool isPlain = end - from == count;
-        Text(isPlain ? from + fallback : from, end);
+        Text(from, position, {});
     }
 }
 
-void ReviewWalk::TakeUnicode(std::uint32_t end) {
+/// Takes an escape or a word that ends at `end` and stands for these characters.
+void ReviewWalk::TakeCharacters(std::uint32_t end, std::u16string_view characters) {
+    const auto count = static_cast<std::uint32_t>(characters.size());
+    const std::uint32_t fallback = std::min(skipCount, count);
+    const std::uint32_t from = position;
+    skipCount -= fallback;
+    if (fallback == count) {
+        TakeFallback(end);
+    }
+    position = end;
+    if (isInBody && fallback < count) {
+        Text(from, end, characters[fallback]);
+    }
+}
+
+/// Takes what the reader drops, up to `end`. To it these are texts, too, though empty ones.
+void ReviewWalk::TakeFallback(std::uint32_t end) {
+    if (bilingual && isInBody && end > position) {
+        bilingual->Fallback(groups.back().style, position, end);
+    }
+}
+
+void ReviewWalk::TakeUnicode(std::uint32_t end, std::int32_t argument) {
     const bool isFallback = skipCount > 0;
     const std::uint32_t from = position;
     position = end;
     if (isInBody && !isFallback) {
-        Text(from, end);
+        Text(from, end, static_cast<char16_t>(argument));
         if (IsGone()) {
             return;  // its fallback goes as text of its own
         }
@@ -376,17 +420,17 @@ void ReviewWalk::TakeBreak(std::uint32_t end) {
         copy.Drop(position, end);
         position = end;
     } else {
-        TakeCharacters(end, 2);
+        TakeCharacters(end, u"\r\n");
     }
     markDeleted = false;
 }
 
-void ReviewWalk::Text(std::uint32_t from, std::uint32_t end) {
+void ReviewWalk::Text(std::uint32_t from, std::uint32_t end, std::optional<char16_t> character) {
     if (IsGone()) {
         breakHeld = false;  // a break between two deletions
         DropText(from, end);
     } else {
-        KeepText(from);
+        KeepText(from, end, character);
     }
 }
 
@@ -400,7 +444,8 @@ void ReviewWalk::DropText(std::uint32_t from, std::uint32_t end) {
     copy.Drop(from, end);
 }
 
-void ReviewWalk::KeepText(std::uint32_t at) {
+/// Takes text that is not deleted; false if it does not stay as it is, for where it stands.
+bool ReviewWalk::KeepText(std::uint32_t at, std::uint32_t end, std::optional<char16_t> character) {
     WriteHeld(at);
     const bool isInserted = (groups.back().marks & (Inserted | MovedHere)) != 0;
     if (isInserted && stretch != Stretch::Inserted) {
@@ -409,6 +454,7 @@ void ReviewWalk::KeepText(std::uint32_t at) {
     stretch = isInserted ? Stretch::Inserted : Stretch::Plain;
     lastTextDeleted = false;
     keptInRow = true;
+    return !bilingual || bilingual->Text(groups.back().style, at, end, character);
 }
 
 void ReviewWalk::TakeCell(std::uint32_t end) {
@@ -461,15 +507,21 @@ void ReviewWalk::WriteHeld(std::uint32_t at) {
     }
     if (breakHeld) {
         breakHeld = false;
+        if (bilingual && !bilingual->KeepBreak(at)) {
+            return;
+        }
         Report(ReviewFinding::KeptBreak, heldBreakAt);
-        copy.Insert(at, "\\par ");
+        if (!bilingual) {
+            copy.Insert(at, "\\par ");
+        }
     }
 }
 
 void ReviewWalk::Report(ReviewFinding finding, std::uint32_t offset) {
     ++result.counts[static_cast<std::size_t>(finding)];
     if (found) {
-        found({finding, row, cell, offset});
+        found(bilingual ? ReviewFindingPlace{finding, bilingual->Row(), bilingual->Cell(), offset}
+                        : ReviewFindingPlace{finding, row, cell, offset});
     }
 }
 

@@ -3,12 +3,15 @@
 #include <generalutilities/extview/prepare_review.h>
 
 #include "extview/rtf/control_word.h"
+#include "extview/rtf/hyphens.h"
 #include "extview/rtf/review_copy.h"
 #include "extview/rtf/rtf_file_pager.h"
+#include "extview/rtf/twb_review.h"
 
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -22,7 +25,9 @@ namespace generalutilities::rtf {
 /// reader swallows as a fallback stays where it is; of the rest, what is no text of a cell goes.
 class ReviewWalk {
   public:
-    ReviewWalk(RtfFilePager& file, const std::function<void(std::string_view)>& write,
+    /// `styles` are those of a bilingual document; without them the file is a table.
+    ReviewWalk(RtfFilePager& file, const std::optional<TwbStyles>& styles,
+               const std::function<void(std::string_view)>& write,
                const std::function<void(const ReviewFindingPlace&)>& sink);
 
     /// Walks the file, whose body begins at `body`.
@@ -32,7 +37,8 @@ class ReviewWalk {
     /// What a group inherits from the one around it.
     struct Group {
         std::int32_t fallbackCount = 1;  ///< the argument of `\uc`
-        std::uint32_t marks = 0;         ///< of tracked changes: `Mark`
+        std::int32_t style = 1;
+        std::uint32_t marks = 0;  ///< of tracked changes: `Mark`
     };
     enum Mark : std::uint32_t { Deleted = 1, MovedAway = 2, Inserted = 4, MovedHere = 8 };
     enum class Stretch : std::uint8_t { Plain, Deleted, Inserted };
@@ -43,7 +49,7 @@ class ReviewWalk {
     std::uint32_t MeaninglessWords(std::string_view bytes) const;
     void TakeEscape(std::string_view rest);
     void TakeHexByte();
-    void TakeHyphen(ReviewFinding finding, std::string_view replacement);
+    void TakeHyphen(const Hyphen& hyphen);
     void TakePlainText(std::string_view rest);
     void TakeControlWord();
     void TakeOwnWord(std::string_view name, const ControlWord& word);
@@ -52,12 +58,14 @@ class ReviewWalk {
     void DropDestination(std::uint32_t from, ReviewFinding finding);
     std::uint32_t GroupEnd(std::uint32_t start, bool& closed);
 
-    void TakeCharacters(std::uint32_t end, std::uint32_t count);
+    void TakePlainCharacters(std::uint32_t count);
+    void TakeCharacters(std::uint32_t end, std::u16string_view characters);
+    void TakeFallback(std::uint32_t end);
     void TakeBreak(std::uint32_t end);
-    void TakeUnicode(std::uint32_t end);
-    void Text(std::uint32_t from, std::uint32_t end);
+    void TakeUnicode(std::uint32_t end, std::int32_t argument);
+    void Text(std::uint32_t from, std::uint32_t end, std::optional<char16_t> character);
     void DropText(std::uint32_t from, std::uint32_t end);
-    void KeepText(std::uint32_t at);
+    bool KeepText(std::uint32_t at, std::uint32_t end, std::optional<char16_t> character);
     void TakeCell(std::uint32_t end);
     void TakeRow(std::uint32_t end);
     void WriteHeld(std::uint32_t at);
@@ -74,6 +82,7 @@ class ReviewWalk {
     ReviewCopy copy;
     const std::function<void(const ReviewFindingPlace&)>& found;
     PreparedReview result;
+    std::optional<TwbReview> bilingual;
     ControlWordSet words;
     std::string nameSpill;
 

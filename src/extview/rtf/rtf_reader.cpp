@@ -14,24 +14,6 @@ namespace generalutilities {
 
 using rtf::WordKind;
 
-namespace {
-
-/// The value of a hexadecimal digit; anything else counts as 0.
-int HexValue(char digit) {
-    if (digit >= '0' && digit <= '9') {
-        return digit - '0';
-    }
-    if (digit >= 'a' && digit <= 'f') {
-        return digit - 'a' + 10;
-    }
-    if (digit >= 'A' && digit <= 'F') {
-        return digit - 'A' + 10;
-    }
-    return 0;
-}
-
-}  // namespace
-
 CRTFReader::CRTFReader() = default;
 CRTFReader::~CRTFReader() = default;
 
@@ -312,7 +294,7 @@ void CRTFReader::AddHexRun() {
         if (skipCount > 0) {
             --skipCount;
         } else {
-            hexBytes.push_back(static_cast<char>(HexValue(escape[2]) * 16 + HexValue(escape[3])));
+            hexBytes.push_back(static_cast<char>(rtf::HexByte(escape[2], escape[3])));
         }
     }
     if (!hexBytes.empty()) {

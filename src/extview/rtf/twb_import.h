@@ -30,23 +30,24 @@ class CTWBImport : public CExternalViewImport, public CRTFReader {
     /// Whether a file can be opened and has the styles and a row.
     bool IsTWBFile(std::u16string_view fileName);
 
+    /// After `Prepare`, once: see `IsBilingualDocument`.
+    bool IsBilingual();
+    const rtf::TwbStyles& Styles() const { return cells.Styles(); }
+
     /// How many cells the row has that was read; six, unless its marks are damaged. After the last
     /// row: of a row that the end of the file cuts off.
     std::size_t CellCount() const { return cells.Count(); }
+    /// Reads the identifier of such a row. `id` keeps what it is if the row has none.
+    void ReadId(std::u16string& id);
 
   protected:
     bool OnText(std::u16string& text, std::uint32_t start, std::uint32_t end) override;
 
   private:
+    bool FindStyles();
+
     rtf::TwbCells cells;
     std::int32_t lastPercent = -1;
 };
-
-namespace rtf {
-
-/// The numbers of the styles by their names.
-TwbStyles FindTwbStyles(const StyleNames& names);
-
-}  // namespace rtf
 
 }  // namespace generalutilities
