@@ -9,7 +9,8 @@ generalutilities_library(gu-extview-components
   SOURCES extview/ext_view_helper_component.cpp extview/text_file_component.cpp
   LINK gu-frame gu-rtf gu-text-file)
 generalutilities_library(gu-itd-components
-  SOURCES itd/zip_manager_component.cpp itd/text_part_access.cpp
+  SOURCES itd/itd_reader_component.cpp itd/itd_writer_component.cpp itd/open_document.cpp
+          itd/text_part_access.cpp itd/zip_manager_component.cpp
   LINK gu-frame gu-itd)
 generalutilities_library(gu-collections-components
   SOURCES collections/long_set_component.cpp collections/long_stack_component.cpp

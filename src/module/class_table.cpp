@@ -12,6 +12,8 @@
 #include "collections/sort_component.h"
 #include "extview/ext_view_helper_component.h"
 #include "extview/text_file_component.h"
+#include "itd/itd_reader_component.h"
+#include "itd/itd_writer_component.h"
 #include "itd/zip_manager_component.h"
 #include "tagged/code_page_helper_component.h"
 #include "text/string_utils_component.h"
@@ -42,9 +44,9 @@ constexpr ClassRow Rows[] = {
     {u"ExtViewHelper", CLSID_ExtViewHelper, u"IExtViewHelper", u"_IExtViewHelperEvents",
      u"ExtViewHelper Class", TYPEFLAG_FCANCREATE, CreateStandalone<CExtViewHelper>},
     {u"ITDReader", CLSID_ITDReader, u"IITDReader", nullptr, u"ITDReader Class", TYPEFLAG_FCANCREATE,
-     nullptr},
+     CreateStandalone<CITDReader>},
     {u"ITDWriter", CLSID_ITDWriter, u"IITDWriter", nullptr, u"ITDWriter Class", TYPEFLAG_FCANCREATE,
-     nullptr},
+     CreateAggregable<CITDWriter>},
 };
 
 /// Services that the library creates like a class but does not offer to callers; a host may put its

@@ -7,6 +7,7 @@
 #include <generalutilities/interfaces/code_page_helper.h>
 #include <generalutilities/interfaces/collections.h>
 #include <generalutilities/interfaces/ext_view_helper.h>
+#include <generalutilities/interfaces/itd.h>
 #include <generalutilities/interfaces/string_utils.h>
 
 #include "case_table.h"
@@ -52,8 +53,8 @@ TEST(ClassObjectTest, AnswersByTheClassTable) {
     EXPECT_EQ(DllGetClassObject(CLSID_StringUtils, IID_IDispatch, &object), E_NOINTERFACE);
     EXPECT_EQ(object, nullptr);
     // The writer of export files and the dictionary are services of the library, not its classes.
-    for (const CLSID* clsid : {&CLSID_UDrawText, &CLSID_Dictionary, &CLSID_ITDReader,
-                               &CLSID_ITDWriter, &IID_IUnknown, &CLSID_TextFileFactory}) {
+    for (const CLSID* clsid :
+         {&CLSID_UDrawText, &CLSID_Dictionary, &IID_IUnknown, &CLSID_TextFileFactory}) {
         object = &first;
         EXPECT_EQ(DllGetClassObject(*clsid, IID_IClassFactory, &object), CLASS_E_CLASSNOTAVAILABLE);
         EXPECT_EQ(object, nullptr);
@@ -67,12 +68,14 @@ TEST(ClassObjectTest, ObjectsOfferTheirInterfacesAndNoOther) {
         bool hasErrors;
         bool hasEvents = false;
     };
-    const IID* const all[] = {
-        &IID_IStringUtils,    &IID_IExtViewHelper,        &IID_ILongSet,
-        &IID_ILongStack,      &IID_IQLNDictionary,        &IID_IQLNSort,
-        &IID_ICodePageHelper, &IID_IDictionary,           &IID_IUnknown,
-        &IID_IDispatch,       &IID_ISupportErrorInfo,     &IID_IConnectionPointContainer,
-        &IID_IClassFactory,   &DIID__IExtViewHelperEvents};
+    const IID* const all[] = {&IID_IStringUtils,      &IID_IExtViewHelper,
+                              &IID_ILongSet,          &IID_ILongStack,
+                              &IID_IQLNDictionary,    &IID_IQLNSort,
+                              &IID_ICodePageHelper,   &IID_IDictionary,
+                              &IID_IUnknown,          &IID_IDispatch,
+                              &IID_ISupportErrorInfo, &IID_IConnectionPointContainer,
+                              &IID_IClassFactory,     &DIID__IExtViewHelperEvents,
+                              &IID_IITDReader,        &IID_IITDWriter};
     const Row table[] = {
         {CLSID_StringUtils, &IID_IStringUtils, true},
         {CLSID_ExtViewHelper, &IID_IExtViewHelper, true, true},
@@ -82,6 +85,8 @@ TEST(ClassObjectTest, ObjectsOfferTheirInterfacesAndNoOther) {
         {CLSID_QLNSort, &IID_IQLNSort, true},
         {CLSID_CodePageHelper, &IID_ICodePageHelper, true},
         {CLSID_Dictionary, &IID_IDictionary, false},
+        {CLSID_ITDReader, &IID_IITDReader, true},
+        {CLSID_ITDWriter, &IID_IITDWriter, true},
     };
     for (const auto& row : table) {
         const auto object = Create<IUnknown>(row.clsid, IID_IUnknown);

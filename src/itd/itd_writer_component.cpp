@@ -1,0 +1,140 @@
+#include "itd/itd_writer_component.h"
+
+#include <generalutilities/interfaces/class_ids.h>
+
+#include "frame/bstr_text.h"
+#include "frame/error_reporting.h"
+#include "itd/open_document.h"
+
+#include <utility>
+
+namespace generalutilities {
+namespace {
+
+constexpr ItdReporter Reporter{CLSID_ITDWriter, IID_IITDWriter};
+
+HRESULT Report(const char16_t* words, HRESULT status) {
+    return ReportError(CLSID_ITDWriter, words, IID_IITDWriter, status);
+}
+
+HRESULT GiveText(std::u16string_view text, BSTR* out) {
+    return out == nullptr ? E_POINTER : Give(text, out);
+}
+
+/// A setter's body.
+template <class Set>
+HRESULT Done(Set set) {
+    return Guarded([&] {
+        set();
+        return S_OK;
+    });
+}
+
+}  // namespace
+
+void* CITDWriter::FindInterface(REFIID iid) noexcept {
+    IITDWriter* const standard = this;
+    ISupportErrorInfo* const errors = this;
+    return FindInTable(iid, {{IID_IUnknown, standard},
+                             {IID_IITDWriter, standard},
+                             {IID_IDispatch, standard},
+                             {IID_ISupportErrorInfo, errors}});
+}
+
+HRESULT CITDWriter::OpenReferenceITD(BSTR fileName) noexcept {
+    return Guarded([&] {
+        rewrite.Close();
+        LoadedTextPart part;
+        ItdTextHeader header;
+        ItdDocument document;
+        HRESULT status = OpenTextHeader(TerminatedView(fileName), Reporter, part, header);
+        if (Succeeded(status)) {
+            status = OpenSegments(part, Reporter, header, document);
+        }
+        if (Failed(status)) {
+            return status;
+        }
+        if (!reference.Remember(TerminatedView(fileName), part.archive)) {
+            return Reporter.Report(itderrUnableToReadFile);
+        }
+        rewrite.Open(std::move(document), header);
+        return S_OK;
+    });
+}
+
+HRESULT CITDWriter::CloseFile() noexcept {
+    return Done([&] { rewrite.Close(); });
+}
+
+HRESULT CITDWriter::WriteToFile(BSTR fileName) noexcept {
+    return Guarded([&] {
+        std::string bytes;
+        const LanguageChange change = rewrite.Serialize(bytes);
+        if (change == LanguageChange::UnknownHeader) {
+            return Reporter.Report(itderrWrongTextHeader);
+        }
+        if (change != LanguageChange::Done) {
+            return Report(LanguageChangeText(change), E_FAIL);
+        }
+        const std::u16string_view destination = TerminatedView(fileName);
+        switch (reference.Compare(destination)) {
+            case ReferenceCopy::Answer::IsCopy:
+                return ReplaceTextPart(destination, reference.LengthFieldOffset(), bytes, Reporter);
+            case ReferenceCopy::Answer::IsReference:
+                return Report(u"The destination is the reference file itself", E_INVALIDARG);
+            case ReferenceCopy::Answer::IsOther:
+                return Report(u"The destination is no copy of the reference file", E_INVALIDARG);
+            case ReferenceCopy::Answer::Unreadable:
+                break;
+        }
+        return Reporter.Report(itderrUnableToOpenFile);
+    });
+}
+
+HRESULT CITDWriter::get_SourceLanguage(BSTR* pVal) noexcept {
+    return GiveText(rewrite.SourceLanguage(), pVal);
+}
+HRESULT CITDWriter::get_TargetLanguage(BSTR* pVal) noexcept {
+    return GiveText(rewrite.TargetLanguage(), pVal);
+}
+HRESULT CITDWriter::put_TargetLanguage(BSTR newVal) noexcept {
+    return Done([&] { rewrite.SetTargetLanguage(TerminatedView(newVal)); });
+}
+
+HRESULT CITDWriter::put_SourceText(BSTR newVal) noexcept {
+    return Done([&] { rewrite.SetSourceText(TerminatedView(newVal)); });
+}
+HRESULT CITDWriter::put_TargetText(BSTR newVal) noexcept {
+    return Done([&] { rewrite.SetTargetText(TerminatedView(newVal)); });
+}
+HRESULT CITDWriter::AddSourceCode(std::int32_t ID, BSTR newVal) noexcept {
+    return Done([&] { rewrite.AddSourceCode(ID, TerminatedView(newVal)); });
+}
+HRESULT CITDWriter::AddTargetCode(std::int32_t ID, BSTR newVal) noexcept {
+    return Done([&] { rewrite.AddTargetCode(ID, TerminatedView(newVal)); });
+}
+HRESULT CITDWriter::put_CodeBeforeSegment(BSTR newVal) noexcept {
+    return Done([&] { rewrite.SetCodeBefore(TerminatedView(newVal)); });
+}
+HRESULT CITDWriter::put_CodeAfterSegment(BSTR newVal) noexcept {
+    return Done([&] { rewrite.SetCodeAfter(TerminatedView(newVal)); });
+}
+
+HRESULT CITDWriter::Next() noexcept {
+    return Done([&] { rewrite.Next(); });
+}
+
+HRESULT CITDWriter::get_SegmentCount(std::int32_t* pVal) noexcept {
+    if (pVal == nullptr) {
+        return E_POINTER;
+    }
+    *pVal = static_cast<std::int32_t>(rewrite.SegmentCount());
+    return S_OK;
+}
+
+HRESULT CITDWriter::ReverseLanguages() noexcept {
+    rewrite.ReverseLanguages();
+    return S_OK;
+}
+
+}  // namespace generalutilities
