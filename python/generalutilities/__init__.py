@@ -11,12 +11,13 @@ guide.
 """
 
 from .callbacks import comparison
+from .command_line import UsageError, genutil
 from .errors import ArgumentError, Error, ReleasedError
 from .late_binding import Object, create, named_type
 from .projects import Project, open_document, open_project
 
-__all__ = ["ArgumentError", "Error", "Object", "Project", "ReleasedError", "comparison", "create",
-           "open_document", "open_project"]
+__all__ = ["ArgumentError", "Error", "Object", "Project", "ReleasedError", "UsageError", "comparison",
+           "create", "genutil", "open_document", "open_project"]
 
 
 def __getattr__(name):
