@@ -64,6 +64,7 @@ class comparison:
             answer = function(read(first), read(second))
             return (answer > 0) - (answer < 0)
 
+        self.element = element
         self._callback = _Compare(compare)
         self._handle = runtime.HandleFromPointer(ctypes.cast(self._callback, c_void_p))
 

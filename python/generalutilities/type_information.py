@@ -5,6 +5,7 @@ asked for.
 """
 
 import ctypes
+import enum
 import functools
 import keyword
 from ctypes import POINTER, Structure, Union, c_int16, c_int32, c_uint16, c_uint32, c_void_p
@@ -90,10 +91,26 @@ class Parameter:
         if desc.vt == values.VT_SAFEARRAY:
             self.vt = values.VT_ARRAY | desc.pointee.contents.vt
         elif desc.vt == values.VT_USERDEFINED:
-            user = Type(made(_get_referenced, info, desc.reference)).resolved()
-            self.user_type = user
+            named = Type(made(_get_referenced, info, desc.reference)).resolved()
+            self.user_type = types().get(named.name, named)
             self.vt = {ENUMERATION: values.VT_I4, RECORD: values.VT_RECORD}.get(
-                user.kind, values.VT_DISPATCH)
+                named.kind, values.VT_DISPATCH)
+
+    @property
+    def enumeration(self):
+        """The enumeration of Python that its values belong to, or None."""
+        user = self.user_type
+        return user.enumeration if user is not None and user.kind == ENUMERATION else None
+
+    def convert(self, value):
+        """A value that came through it, as a member of the enumeration where it is one."""
+        known = self.enumeration
+        return known(value) if known is not None and value in known._value2member_map_ else value
+
+    @property
+    def empty(self):
+        """The type of a VARIANT that waits for its value."""
+        return values.VT_EMPTY if self.vt == values.VT_VARIANT else self.vt
 
     @property
     def is_in(self):
@@ -111,7 +128,7 @@ class Parameter:
     @property
     def python_type(self):
         """The name of what travels through it in Python."""
-        if self.user_type is not None and self.user_type.kind == ENUMERATION:
+        if self.enumeration is not None:
             return self.user_type.name
         if self.user_type is not None and self.user_type.kind == INTERFACE:
             return self.user_type.name.removeprefix("I")
@@ -220,6 +237,11 @@ class Type:
             variables[self._documentation(found.contents.id)[0]] = constant
             _release_variable(self.info, found)
         return variables
+
+    @functools.cached_property
+    def enumeration(self):
+        """An enumeration as one of Python."""
+        return enum.IntEnum(self.name, self.variables, module=__package__)
 
     @functools.cached_property
     def interfaces(self):

@@ -1,6 +1,7 @@
 """What docs/writing-a-client.md shows is what happens."""
 
 import doctest
+import os
 import re
 import subprocess
 import unittest
@@ -12,6 +13,7 @@ GUIDE = ROOT / "docs/writing-a-client.md"
 
 class Documents(unittest.TestCase):
     def test_the_sessions_of_the_guide(self):
+        os.chdir(ROOT)
         failed, tried = doctest.testfile(str(GUIDE), module_relative=False)
         self.assertEqual(failed, 0)
         self.assertGreater(tried, 15)

@@ -105,6 +105,8 @@ TABLE = [
     (lambda: create("QLNSort").StringSort("ba", 0), ArgumentError, "list"),
     (lambda: create("QLNSort").StringSort(["b", {}], 0), ArgumentError, "pArray"),
     (lambda: create("QLNSort").Sort(b"ba", 1, 2, 0), ArgumentError, "can be written"),
+    (lambda: create("QLNSort").Sort(12345, 1, 2, 0), ArgumentError, "can be written"),
+    (lambda: create("QLNSort").Sort(bytearray(8), 4, 2, comparison(max)), ArgumentError, "memory"),
     (lambda: create("ExtViewHelper").on("Coffee", print), ValueError, "ExportProgress, Import"),
     (lambda: create("ExtViewHelper").on("ExportProgress", 5), TypeError, "called"),
     (lambda: create("LongSet").on("Added", print), ValueError, "none"),
