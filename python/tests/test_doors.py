@@ -13,19 +13,24 @@ DATA = Path(__file__).parents[2] / "tests/clients/data"
 
 
 def case_table(path):
-    """Rows of cells; ⟨D800⟩ is the unit of that number."""
+    """Rows of cells; ⟨D800⟩ is the unit of that number, ␊ a line feed."""
     for line in path.read_text(encoding="utf-8").splitlines():
         if line and not line.startswith("# "):
-            yield [re.sub("⟨(.*?)⟩", lambda found: chr(int(found[1], 16)), cell)
+            yield [re.sub("⟨(.*?)⟩|[␀-␟]", lambda found: chr(
+                       int(found[1], 16) if found[1] else ord(found[0]) - 0x2400), cell)
                    for cell in line.split("\t")]
 
 
 def convert(cell, kind):
+    if kind == "list[str]":
+        return cell.split(" ")
     return {"int": int, "float": float, "bool": "True".__eq__}.get(kind, str)(
         cell.replace("{data}", str(DATA)))
 
 
 def shown(answer):
+    if isinstance(answer, list):
+        return " ".join(answer)
     parts = answer if isinstance(answer, tuple) else ("" if answer is None else answer,)
     return " | ".join(str(int(part) if isinstance(part, int) and not isinstance(part, bool) else
                           int(part) if isinstance(part, float) and part == int(part) else part)
@@ -41,6 +46,8 @@ class Doors(unittest.TestCase):
             members = type_information.types()[class_name].interfaces[0].members
             member = next(m for m in members if m.name == name)
             values = [convert(cell, p.python_type) for cell, p in zip(cells, member.inputs)]
+            if name == "StringSort":
+                values += [generalutilities.comparison(lambda a, b: (a > b) - (a < b))]
             with self.subTest(member=f"{class_name}.{name}", values=values):
                 found = getattr(made, name)
                 self.assertEqual(shown(found(*values) if callable(found) else found), expected)

@@ -37,6 +37,13 @@ class Examples(unittest.TestCase):
         self.assertEqual(example("fold_corpus.py", "--language", "fr-FR", text),
                          "4\tETE\tETE, Été, été\n2\tŒUVRE\tŒuvre, œuvre\n1\tL'\tl'\n")
 
+    def test_a_document_becomes_a_table(self):
+        rows = example("itd_to_tsv.py", ROOT / "tests/clients/data/sample.itd").splitlines()
+        self.assertEqual((len(rows), rows[0], rows[2]), (
+            8, "segment\ten-US\tde-DE\tstatus\tmatch\tcomment",
+            "2\tWelcome to the {1}handbook\tWillkommen im {1}Handbuch\t0\t100.0\t"
+            "Ann: Which handbook?\\nBo: The blue one."))
+
     def test_a_review_goes_out_and_comes_home(self):
         example("review_round_trip.py", "out", self.project, self.table, "fr-FR")
         content = self.table.read_bytes()

@@ -5,6 +5,7 @@
 #include <generalutilities/interfaces/code_page_helper.h>
 #include <generalutilities/interfaces/collections.h>
 #include <generalutilities/interfaces/ext_view_helper.h>
+#include <generalutilities/interfaces/itd.h>
 #include <generalutilities/interfaces/string_utils.h>
 
 #include "case_table.h"
@@ -93,6 +94,50 @@ struct Direct<Member> {
     }
 };
 
+/// Sorts the words of a cell, in ascending order, with a function behind a handle.
+template <class Sort>
+std::u16string SortWords(const std::u16string& cell, Sort sort) {
+    std::vector<std::u16string> words(1);
+    for (const char16_t unit : cell) {
+        unit == u' ' ? void(words.emplace_back()) : void(words.back() += unit);
+    }
+    SAFEARRAY* array = SafeArrayCreateVector(VT_BSTR, 0, static_cast<std::uint32_t>(words.size()));
+    auto** const strings = static_cast<BSTR*>(array->pvData);
+    for (std::size_t i = 0; i < words.size(); ++i) {
+        strings[i] = Bstr(words[i]).Release();
+    }
+    const std::int32_t handle = HandleFromPointer(
+        reinterpret_cast<void*>(+[](const void* a, const void* b) -> std::int32_t {
+            return std::u16string_view(*static_cast<const BSTR*>(a))
+                .compare(*static_cast<const BSTR*>(b));
+        }));
+    EXPECT_EQ(sort(&array, handle), S_OK);
+    ReleaseHandle(handle);
+    std::u16string sorted;
+    for (std::size_t i = 0; i < words.size(); ++i) {
+        sorted += (i == 0 ? u"" : u" ") + std::u16string(strings[i]);
+    }
+    SafeArrayDestroy(array);
+    return sorted;
+}
+
+std::u16string SortDirectly(IDispatch* object, const Cells& cells) {
+    return SortWords(cells[0], [&](SAFEARRAY** array, std::int32_t handle) {
+        return static_cast<IQLNSort*>(object)->StringSort(array, handle);
+    });
+}
+
+HRESULT SortLate(IDispatch* object, DISPID id, SAFEARRAY** array, std::int32_t handle) {
+    VARIANT arguments[2]{};
+    arguments[1].vt = VT_BYREF | VT_ARRAY | VT_BSTR;
+    arguments[1].pparray = array;
+    arguments[0].vt = VT_I4;
+    arguments[0].lVal = handle;
+    DISPPARAMS parameters{arguments, nullptr, 2, 0};
+    return object->Invoke(id, GUID_NULL, 0, DISPATCH_METHOD, &parameters, nullptr, nullptr,
+                          nullptr);
+}
+
 const std::map<std::u16string, std::u16string (*)(IDispatch*, const Cells&)> DirectCalls = {
     {u"StringUtils.ToUpper", Direct<&IStringUtils::ToUpper>::Call},
     {u"StringUtils.ToLower", Direct<&IStringUtils::ToLower>::Call},
@@ -121,6 +166,23 @@ const std::map<std::u16string, std::u16string (*)(IDispatch*, const Cells&)> Dir
     {u"CodePageHelper.AddCodePage", Direct<&ICodePageHelper::AddCodePage>::Call},
     {u"CodePageHelper.AddFonts", Direct<&ICodePageHelper::AddFonts>::Call},
     {u"ExtViewHelper.IsFileRTF", Direct<&IExtViewHelper::IsFileRTF>::Call},
+    {u"ITDReader.OpenITDFile", Direct<&IITDReader::OpenITDFile>::Call},
+    {u"ITDReader.SourceLanguage", Direct<&IITDReader::get_SourceLanguage>::Call},
+    {u"ITDReader.TargetLanguage", Direct<&IITDReader::get_TargetLanguage>::Call},
+    {u"ITDReader.SegmentCount", Direct<&IITDReader::get_SegmentCount>::Call},
+    {u"ITDReader.Restart", Direct<&IITDReader::Restart>::Call},
+    {u"ITDReader.Next", Direct<&IITDReader::Next>::Call},
+    {u"ITDReader.SourceText", Direct<&IITDReader::get_SourceText>::Call},
+    {u"ITDReader.TargetText", Direct<&IITDReader::get_TargetText>::Call},
+    {u"ITDReader.SourceCodeCount", Direct<&IITDReader::get_SourceCodeCount>::Call},
+    {u"ITDReader.SourceCode", Direct<&IITDReader::get_SourceCode>::Call},
+    {u"ITDReader.Comment", Direct<&IITDReader::get_Comment>::Call},
+    {u"ITDReader.Status", Direct<&IITDReader::get_Status>::Call},
+    {u"ITDReader.Score", Direct<&IITDReader::get_Score>::Call},
+    {u"ITDWriter.OpenReferenceITD", Direct<&IITDWriter::OpenReferenceITD>::Call},
+    {u"ITDWriter.TargetLanguage", Direct<&IITDWriter::get_TargetLanguage>::Call},
+    {u"ITDWriter.SegmentCount", Direct<&IITDWriter::get_SegmentCount>::Call},
+    {u"QLNSort.StringSort", SortDirectly},
 };
 
 /// Every argument goes as a text by reference; what the method writes replaces it.
@@ -128,6 +190,11 @@ std::u16string CallLate(IDispatch* object, std::u16string member, const Cells& c
     DISPID id = DISPID_UNKNOWN;
     char16_t* name = member.data();
     EXPECT_EQ(object->GetIDsOfNames(GUID_NULL, &name, 1, 0, &id), S_OK);
+    if (member == u"StringSort") {
+        return SortWords(cells[0], [&](SAFEARRAY** array, std::int32_t handle) {
+            return SortLate(object, id, array, handle);
+        });
+    }
     std::vector<Variant> values(cells.size());
     std::vector<VARIANT> arguments(cells.size());
     for (std::size_t i = 0; i < cells.size(); ++i) {
@@ -151,9 +218,15 @@ std::u16string CallLate(IDispatch* object, std::u16string member, const Cells& c
 
 ComPtr<IDispatch> Create(const std::u16string& name) {
     static const std::map<std::u16string, CLSID> Classes = {
-        {u"StringUtils", CLSID_StringUtils},       {u"LongSet", CLSID_LongSet},
-        {u"LongStack", CLSID_LongStack},           {u"qlnDictionary", CLSID_qlnDictionary},
-        {u"CodePageHelper", CLSID_CodePageHelper}, {u"ExtViewHelper", CLSID_ExtViewHelper}};
+        {u"StringUtils", CLSID_StringUtils},
+        {u"LongSet", CLSID_LongSet},
+        {u"LongStack", CLSID_LongStack},
+        {u"qlnDictionary", CLSID_qlnDictionary},
+        {u"CodePageHelper", CLSID_CodePageHelper},
+        {u"ExtViewHelper", CLSID_ExtViewHelper},
+        {u"ITDReader", CLSID_ITDReader},
+        {u"ITDWriter", CLSID_ITDWriter},
+        {u"QLNSort", CLSID_QLNSort}};
     ComPtr<IDispatch> object;
     EXPECT_EQ(CoCreateInstance(Classes.at(name), nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch,
                                object.OutVoid()),
