@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 """Makes the reviewed files of tests/cli/data/writer anew, with a real word processor.
 
-A table that genutil exports is opened in LibreOffice Writer, edited as a reviewer would and saved
+A table or a bilingual document that genutil exports is opened in LibreOffice Writer, edited as a reviewer would and saved
 as RTF: one file an oddity, and one with all of them. Beside each NAME.rtf stands NAME.json with what
 this script typed:
 
@@ -10,6 +10,7 @@ this script typed:
     misread    cells that the reader gets wrong without a preparation: [identifier, cell]
     extraRows  identifiers of rows that it then reads although the reviewer deleted them
     met        what the preparation meets: [finding, identifier, cell]
+    swallowed  identifiers of segments that become part of the one before without a preparation
 
 Needs LibreOffice and its Python bridge, which neither the build nor the tests need:
 
@@ -421,6 +422,156 @@ def right_to_left(review, row):
     review.meets(row + 1, "target", "deleted-text")
 
 
+# --- the reviewer of a bilingual document ---------------------------------------------------------
+
+
+class BilingualReview:
+    """An open bilingual document: a paragraph a segment, `<ID s01> {0>source<}0{>target<0}`."""
+
+    TARGET, END = "<}0{>", "<0}"
+
+    def __init__(self, document, file):
+        self.document = document
+        self.rows = [
+            [row[0], "\n".join(LINE_END.split(row[2])), "\n".join(LINE_END.split(row[3])), "", ""]
+            for row in project_rows()
+            if row[1] == file
+        ]
+        self.misread, self.met, self.swallowed = [], [], []
+        self.removed = set()
+
+    def paragraph(self, row):
+        paragraphs = self.document.Text.createEnumeration()
+        while paragraphs.hasMoreElements():
+            paragraph = paragraphs.nextElement()
+            if paragraph.String.startswith(f"<ID {self.rows[row][0]}> "):
+                return paragraph
+        raise LookupError(row)
+
+    def cursor(self, row, start, length=0):
+        cursor = self.document.Text.createTextCursorByRange(self.paragraph(row).Start)
+        cursor.goRight(start, False)
+        cursor.goRight(length, True)
+        return cursor
+
+    def behind(self, row, piece):
+        """Where the last such piece of a segment's paragraph ends."""
+        text = self.paragraph(row).String
+        return text.rindex(piece) + len(piece)
+
+    def type(self, row, start, text):
+        """Types, as a word processor does: the style is the one of the character before."""
+        for number, part in enumerate(text.split("\r\n")):
+            if number:
+                cursor = self.cursor(row, start)
+                self.document.Text.insertControlCharacter(cursor, PARAGRAPH_BREAK, False)
+                start += 1
+            self.document.Text.insertString(self.cursor(row, start), part, False)
+            start += len(part)
+
+    def delete(self, row, start, length):
+        self.cursor(row, start, length).String = ""
+
+    def target(self, row):
+        """Where the target begins, and how long it is."""
+        start = self.behind(row, self.TARGET)
+        return start, self.behind(row, self.END) - len(self.END) - start
+
+    def left(self, row, target, finding=None, misread=True):
+        self.rows[row][2] = target
+        if finding:
+            self.met.append([finding, self.rows[row][0], "target"])
+            if misread:
+                self.misread.append([self.rows[row][0], "target"])
+
+    def expectations(self):
+        return {
+            "rows": [row for row in self.rows if row[0] not in self.removed],
+            "misread": self.misread,
+            "extraRows": sorted(self.removed),
+            "met": self.met,
+            "swallowed": self.swallowed,
+        }
+
+
+def bilingual_untouched(review):
+    """Opened and saved."""
+
+
+def bilingual_typed(review):
+    """Within the text, directly behind a mark and behind codes, whole targets, behind the end."""
+    text = [row[2] for row in review.rows]
+    start, length = review.target(0)
+    review.type(0, start + 6, " « né » 日本 🙂")
+    review.type(0, review.behind(0, review.END), " et fin\u2011là")
+    review.left(0, text[0][:6] + " « né » 日本 🙂" + text[0][6:] + " et fin\u2011là", "styled-text")
+    review.met.append(["non-breaking-hyphen", "s01", "target"])
+    review.swallowed.append("s02")
+
+    review.type(1, review.behind(1, "<c:2>"), " « vite »")
+    review.type(1, review.target(1)[0], "Là,\r\n")
+    review.left(1, "Là,\r\n" + text[1].replace("{2}", "{2} « vite »"), "styled-text", misread=False)
+    review.met.append(review.met[-1])
+
+    start, length = review.target(2)
+    review.delete(2, start, length)
+    review.type(2, start, "Tout à neuf, “ici”.")
+    review.left(2, "Tout à neuf, “ici”.", "styled-text")
+
+    start, length = review.target(3)
+    review.delete(3, start, length)
+    review.left(3, "")
+
+
+def bilingual_beside(review):
+    """Behind an identifier, between segments, and marks that are gone."""
+    review.type(0, len("<ID s01> "), "visible")
+    review.met.append(["outside-text", "s01", "id"])
+
+    review.type(1, review.behind(1, review.END), "\r\nA note of mine.")
+    review.met.append(["outside-text", "s03", "id"])
+
+    review.delete(2, review.behind(2, review.END) - len(review.END), len(review.END))
+    review.met.append(["missing-mark", "s03", "target"])
+    review.misread.append(["s03", "target"])
+    review.swallowed.append("s04")
+    review.delete(4, review.behind(4, review.TARGET) - len(review.TARGET), len(review.TARGET))
+    review.removed.add("s05")
+    review.met.append(["damaged-row", "", ""])
+
+
+def bilingual_tracked(review):
+    """Tracked changes in targets, and of a whole segment."""
+    text = [row[2] for row in review.rows]
+    start, length = review.target(0)
+    review.document.RecordChanges = True
+    review.delete(0, start + 7, 10)
+    review.type(0, start + 7, "la page")
+    review.left(0, text[0][:7] + "la page" + text[0][17:], "inserted-text")
+    review.met.append(["deleted-text", "s01", "target"])
+
+    start, length = review.target(1)
+    review.delete(1, start, length)
+    review.type(1, start, "Anew")
+    review.document.RecordChanges = False
+    review.left(1, "Anew", "deleted-text")
+    review.met += [["inserted-text", "s02", "target"], ["styled-text", "s02", "target"]]
+
+    review.document.RecordChanges = True
+    whole = len(review.paragraph(2).String) + 1
+    review.delete(2, 0, whole)
+    review.document.RecordChanges = False
+    review.removed.add("s03")
+    review.met.append(["deleted-text", "s04", "id"])
+
+
+BILINGUAL_FILES = {
+    "bilingual-untouched": bilingual_untouched,
+    "bilingual-typed": bilingual_typed,
+    "bilingual-beside": bilingual_beside,
+    "bilingual-tracked": bilingual_tracked,
+}
+
 # The edits of each file, and its language.
 FRENCH, ARABIC = "fr-FR", "ar-SA"
 FILES = {
@@ -557,7 +708,23 @@ def one_entry_a_line(expectations):
     return "{\n" + ",\n".join(lists) + "\n}\n"
 
 
+def make_bilingual(name, writer, genutil, folder):
+    exported = folder / f"{name}.rtf"
+    subprocess.run(
+        [genutil, "export", folder / "sample.project", "-o", exported, "--language", FRENCH, "--file",
+         "small.txt", "--format", "twb"],
+        check=True, stdout=subprocess.DEVNULL,
+    )  # fmt: skip
+    review = BilingualReview(writer.open(exported), "small.txt")
+    BILINGUAL_FILES[name](review)
+    writer.save(review.document, OUT / f"{name}.rtf")
+    return review
+
+
 def make(name, writer, genutil, folder):
+    if name in BILINGUAL_FILES:
+        write_expectations(name, make_bilingual(name, writer, genutil, folder))
+        return
     edits, language = FILES[name]
     of_all = len(edits) > 1
     exported = folder / f"{name}.rtf"
@@ -579,6 +746,10 @@ def make(name, writer, genutil, folder):
             edit(review, row)
             row += ROWS_TAKEN.get(edit, 1)
         writer.save(review.document, OUT / f"{name}.rtf")
+    write_expectations(name, review)
+
+
+def write_expectations(name, review):
     (OUT / f"{name}.json").write_text(one_entry_a_line(review.expectations()), "utf-8")
     print(f"{name}: {(OUT / f'{name}.rtf').stat().st_size} bytes")
 
@@ -587,7 +758,7 @@ def main(arguments):
     if not arguments:
         sys.exit("usage: tools/make_reviewed_files.py BUILD_FOLDER [NAME...]")
     genutil = Path(arguments[0]).resolve() / "cli" / "genutil"
-    names = arguments[1:] or list(FILES)
+    names = arguments[1:] or [*FILES, *BILINGUAL_FILES]
     OUT.mkdir(parents=True, exist_ok=True)
     write_project(OUT / "project.csv")
     with tempfile.TemporaryDirectory() as name:

@@ -92,7 +92,12 @@ bool TwbReview::Text(std::int32_t style, std::uint32_t from, std::uint32_t to,
 
 /// Text between the identifier and the source would be a cell of its own.
 void TwbReview::TakePlain(std::uint32_t from, std::uint32_t to, std::optional<char16_t> character) {
-    hasText = hasText || IsInText();
+    if (IsInText()) {
+        const bool isLineEnd = character == u'\r' || character == u'\n';
+        const std::uint32_t begin = lineEnds.value_or(from);
+        AddText();
+        lineEnds = isLineEnd ? std::optional(begin) : std::nullopt;
+    }
     if (place != Place::Identifier && (place != Place::Between || toldOutside)) {
         return;
     }
@@ -123,7 +128,15 @@ void TwbReview::Fallback(std::int32_t style, std::uint32_t from, std::uint32_t t
     } else if (IsInText() ? kind != Kind::Plain : kind == Kind::External) {
         PutInPlainStyle({{u' ', from, to}});
     }
-    hasText = hasText || IsInText();
+    if (IsInText()) {
+        AddText();
+    }
+}
+
+/// The source or target that is being read has text.
+void TwbReview::AddText() {
+    hasText = true;
+    lineEnds.reset();
 }
 
 void TwbReview::TellOutside(std::uint32_t offset) {
@@ -138,7 +151,7 @@ bool TwbReview::KeepBreak(std::uint32_t at) {
     if (!IsInText()) {
         return false;
     }
-    hasText = true;
+    AddText();
     copy.Insert(at, plainStart + "\\par }");
     return true;
 }
@@ -219,12 +232,14 @@ void TwbReview::TakeMark(std::size_t length) {
     } else if (isStart && place == Place::Identifier) {
         place = Place::Source;
         hasText = false;
+        lineEnds.reset();
     } else if (!isStart && !isEnd && place == Place::Source) {
         if (!hasText) {
             MendMatchValue(mark);
         }
         place = Place::Target;
         hasText = false;
+        lineEnds.reset();
     } else if (isEnd && place == Place::Target) {
         place = Place::Ended;
         isBehindEnd = true;
@@ -250,12 +265,12 @@ void TwbReview::MendMatchValue(const Characters& mark) {
 /// the target, and the mark goes behind it. Line ends at its end are no text.
 void TwbReview::EndSegment() {
     Characters text = std::exchange(run, {});
-    Characters lineEnds;
+    Characters breaks;
     while (!text.empty() && (text.back().unit == u'\r' || text.back().unit == u'\n')) {
-        lineEnds.push_back(text.back());
+        breaks.push_back(text.back());
         text.pop_back();
     }
-    std::reverse(lineEnds.begin(), lineEnds.end());
+    std::reverse(breaks.begin(), breaks.end());
     if (IsBlank(TextOf(text))) {
         CloseSegment(end.back().end);
         Leave(text);
@@ -267,7 +282,7 @@ void TwbReview::EndSegment() {
         copy.Insert(text.back().end, endMark);
         CloseSegment(text.back().end);
     }
-    Leave(lineEnds);
+    Leave(breaks);
 }
 
 /// A segment is complete at `at`.
@@ -288,7 +303,9 @@ void TwbReview::TakeCode() {
     if (place == Place::Identifier) {
         TakeStretch(code);
     }
-    hasText = hasText || IsInText();
+    if (IsInText()) {
+        AddText();
+    }
     run.clear();
     codeStart.reset();
 }
@@ -301,7 +318,7 @@ void TwbReview::TakeStretch(const Characters& stretch) {
     if (IsInText()) {
         report(ReviewFinding::StyledText, stretch.front().from);
         PutInPlainStyle(stretch);
-        hasText = true;
+        AddText();
     } else if (place == Place::Identifier || place == Place::Between) {
         if (!IsBlank(TextOf(stretch))) {
             TellOutside(stretch.front().from);
@@ -335,8 +352,9 @@ void TwbReview::TakeIdentifier() {
     const std::uint32_t from = run.front().from;
     if (place == Place::Target) {
         report(ReviewFinding::MissingMark, from);
-        copy.Insert(from, endMark);
-        CloseSegment(from);
+        const std::uint32_t textEndsAt = lineEnds.value_or(from);
+        copy.Insert(textEndsAt, endMark);
+        CloseSegment(textEndsAt);
     } else if (place != Place::Between) {
         TakeOut();
         copy.Release(from);

@@ -75,6 +75,7 @@ class TwbReview {
     void CloseSegment(std::uint32_t at);
     void MendMatchValue(const Characters& mark);
     void TakeOut();
+    void AddText();
     void TellOutside(std::uint32_t offset);
 
     void PutInPlainStyle(const Characters& stretch);
@@ -91,14 +92,15 @@ class TwbReview {
 
     Place place = Place::Between;
     Kind runKind = Kind::Plain;
-    Characters run;                        ///< styled text of which nothing is decided yet
-    std::optional<std::size_t> codeStart;  ///< in `run`
-    Characters identifier;                 ///< of the segment that is being read
-    Characters end;                        ///< its end mark
-    bool hasText = false;                  ///< the source or target that is being read
-    bool isBehindEnd = false;              ///< the run began with the end of a segment
-    bool toldOutside = false;              ///< of text before the source of this segment
-    std::uint32_t textEnd = 0;             ///< of the text that came last
+    Characters run;                         ///< styled text of which nothing is decided yet
+    std::optional<std::size_t> codeStart;   ///< in `run`
+    Characters identifier;                  ///< of the segment that is being read
+    Characters end;                         ///< its end mark
+    bool hasText = false;                   ///< the source or target that is being read
+    bool isBehindEnd = false;               ///< the run began with the end of a segment
+    bool toldOutside = false;               ///< of text before the source of this segment
+    std::uint32_t textEnd = 0;              ///< of the text that came last
+    std::optional<std::uint32_t> lineEnds;  ///< where the line ends begin that it ends in
     std::uint64_t rowsDone = 0;
     std::string bytes;
     std::vector<PreparedReview::Shift> shifts;
