@@ -4,6 +4,7 @@
 #include <libdeflate.h>
 #include <memory>
 #include <new>
+#include <sys/mman.h>
 
 namespace generalutilities::archive {
 
@@ -19,6 +20,15 @@ auto Own(Tool* tool, void (*end)(Tool*)) {
 
 constexpr int Level = 6;
 
+/// Has the system give new memory in large pages where it can, as most of it is written to once.
+void PreferLargePages(char* memory, std::size_t size) {
+    constexpr std::size_t PageSize = std::size_t{2} << 20;
+    void* start = memory;
+    if (std::align(PageSize, PageSize, start, size) != nullptr) {
+        madvise(start, size - size % PageSize, MADV_HUGEPAGE);
+    }
+}
+
 }  // namespace
 
 Unpacked Unpack(std::string_view stream, std::size_t limit, const Room& room, std::size_t& size) {
@@ -31,6 +41,7 @@ Unpacked Unpack(std::string_view stream, std::size_t limit, const Room& room, st
         if (bytes == nullptr) {
             throw std::bad_alloc();
         }
+        PreferLargePages(bytes, most);
         switch (libdeflate_zlib_decompress(tool.get(), stream.data(), stream.size(), bytes, most,
                                            &size)) {
             case LIBDEFLATE_SUCCESS:

@@ -1,0 +1,2 @@
+find_package(ZLIB REQUIRED)
+generalutilities_bench(itd-bench LINK GeneralUtilities gu-itd ZLIB::ZLIB)
