@@ -4,6 +4,7 @@
 #include <generalutilities/itd/text_part.h>
 
 #include "byte_input.h"
+#include "commands/itd_documents.h"
 #include "failure.h"
 #include "output_file.h"
 #include "unicode.h"
@@ -15,7 +16,7 @@
 #include <optional>
 
 /// `genutil itd`: bilingual documents. Here are the two commands that know of the file alone: the
-/// text part taken out of its envelope, and put into one.
+/// text part taken out of its envelope, and put into one; `itd_documents` has those on segments.
 namespace generalutilities::cli {
 namespace {
 
@@ -158,6 +159,7 @@ void AddFileCommands(CLI::App& itd, CommandContext& context) {
 void AddItdCommand(CLI::App& parent, CommandContext& context) {
     CLI::App* itd = parent.add_subcommand("itd", "Bilingual ITD documents");
     itd->require_subcommand(1);
+    AddItdDocumentCommands(*itd, context);
     AddFileCommands(*itd, context);
 }
 

@@ -9,6 +9,7 @@
 #include "segment_notation.h"
 #include "text/decimal.h"
 
+#include <algorithm>
 #include <sstream>
 
 namespace generalutilities {
@@ -200,7 +201,7 @@ TEST(Translations, AreAppliedOrRefused) {
         EXPECT_EQ(ParseSegmentText(cell(row[4]), translation.target), "");
         TranslationApplier applier(document);
         EXPECT_EQ(Describe(applier.Apply(translation)), Bytes(row[5]));
-        EXPECT_EQ(NotationOf(document.targetSegments[0]), row[6] == u"=" ? cell(row[1]) : row[6]);
+        EXPECT_EQ(NotationOf(document.targetSegments[0]), cell(row[6] == u"=" ? row[1] : row[6]));
         EXPECT_EQ(NotationOf(document.sourceSegments[0]), source);
         translation.segment = u"1";
         translation.source.reset();
@@ -208,6 +209,48 @@ TEST(Translations, AreAppliedOrRefused) {
             Describe(applier.Apply(translation)) == "the segment came before; the first row counts",
             row[2] == u"1" && row[3] != u"A");
     }
+}
+
+/// The translations of a random document, put into the same one without any, are the same again.
+TEST(Translations, ComeBackIntoAnUntranslatedDocument) {
+    const unsigned seed = std::random_device()();
+    SCOPED_TRACE(testing::Message() << "seed " << seed);
+    std::mt19937 random(seed);
+    int applied = 0;
+    for (int round = 0; round < 2000; ++round) {
+        std::u16string codes = u"123";
+        const auto notation = [&] {
+            std::ranges::shuffle(codes, random);
+            std::u16string records = random() % 3 == 0 ? u"F f¦" : u"";
+            for (std::size_t i = 0; i < random() % 5; ++i) {
+                records += random() % 2 == 0 ? u"T a" + std::u16string(random() % 2, u'b') : u"T ";
+                (records += u"¦C ") += std::u16string(1, codes[i % 3]) + u'¦';
+            }
+            return records + (random() % 2 == 0 ? u"T x" : u"L ");
+        };
+        ItdDocument full, bare;
+        const std::u16string source = notation();
+        const std::u16string target = notation();
+        for (ItdDocument* const document : {&full, &bare}) {
+            document->sourceSegments.push_back(SegmentOf(*document, source));
+            document->targetSegments.push_back(
+                SegmentOf(*document, document == &full ? target : u"T ", 8));
+        }
+        std::vector<ExchangeSegment> before, after;
+        ExtractSegments(full, [&](const ExchangeSegment& s) { before.push_back(s); });
+        const TranslationRow row{{}, u"1", before[0].source, before[0].target, {}};
+        if (TranslationApplier(bare).Apply(row).outcome != TranslationOutcome::Applied) {
+            continue;
+        }
+        ++applied;
+        ExtractSegments(bare, [&](const ExchangeSegment& s) { after.push_back(s); });
+        ASSERT_EQ(SegmentTextOf(after[0].target), SegmentTextOf(before[0].target))
+            << PrintToString(source) << PrintToString(target);
+        for (const ItdRecord& record : bare.targetSegments[0]) {
+            ASSERT_EQ(record.block.sid, 8U);
+        }
+    }
+    EXPECT_GT(applied, 50);
 }
 
 TEST(Translations, AreExtractedWithNumberedCodes) {
@@ -226,16 +269,16 @@ TEST(Translations, AreExtractedWithNumberedCodes) {
         rows += output.str();
     }
     EXPECT_EQ(rows, R"(segment	source	target	status	score	comment
-1	a{1}b{2}c	x{2}{3}y{1}z	7	0.5	A: b
+1	a{1}b{2}c	x{2}{3}{4}y{1}z	7	0.5	A: b
 2	second		0	0	
-{"segment": 1, "source": "a{1}b{2}c", "target": "x{2}{3}y{1}z", "status": 7, "score": 0.5, "comment": "A: b"}
+{"segment": 1, "source": "a{1}b{2}c", "target": "x{2}{3}{4}y{1}z", "status": 7, "score": 0.5, "comment": "A: b"}
 {"segment": 2, "source": "second", "target": "", "status": 0, "score": 0, "comment": ""}
 <?xml version="1.0"?><xliff version="1.2" xmlns="urn:oasis:names:tc:xliff:document:1.2" xmlns:itd="urn:generalutilities:itd">
 <file original="s.itd" datatype="x-itd" source-language="en" target-language="de">
 <body>
  <trans-unit id="1" xml:space="preserve" itd:status="7" itd:score="0.5">
   <source>a<ph id="1">&lt;b&gt;</ph>b<ph id="2">&lt;i&gt;</ph>c</source>
-  <target>x<ph id="2">&lt;i&gt;</ph><ph id="3">&lt;u&gt;!</ph>y<ph id="1">&lt;b&gt;</ph>z</target>
+  <target>x<ph id="2">&lt;i&gt;</ph><ph id="3">&lt;u&gt;</ph><ph id="4">!</ph>y<ph id="1">&lt;b&gt;</ph>z</target>
   <note>A: b</note>
  </trans-unit>
  <trans-unit id="2" xml:space="preserve" itd:status="0" itd:score="0">

@@ -11,9 +11,14 @@
 
 /// The segments of a document for translators, and their translations back into it.
 ///
-/// Codes have numbers of their own in each segment: those of the source from 1 in their order. A
-/// code of the target has the number of the source's equal one, equal ones in their order, and the
-/// next free number where the source has none. The document has its source column first.
+/// Every code of a segment stands in its text, those at its edges too, so that a translation can
+/// have them elsewhere: the record of a code each, and what parts two texts without a code between
+/// them. What belongs to the document is no code: all up to the file line, and the last record of
+/// the section. Codes have numbers of their own in each segment: those of the source from 1 in
+/// their order. A code of the target has the number of the source's equal one, equal ones in their
+/// order, and the next free number where the source has none.
+///
+/// The document has its source column first.
 namespace generalutilities {
 
 /// Gives every segment, in order. The document is walked and comes back as it was.
@@ -40,8 +45,8 @@ struct AppliedRow {
 ///
 /// A row is refused when it has a fault, when its segment is none of the document's or came before,
 /// when its source is not that of the segment, when the codes are not each of the source's exactly
-/// once (in any order), and when the segment has no text or its records cannot be rebuilt without
-/// those that the document needs (the file line, the last record of the section).
+/// once (in any order), and when the segment has no text, or holds what belongs to the document in
+/// the middle of its text.
 class TranslationApplier {
   public:
     /// The document must outlive the object.

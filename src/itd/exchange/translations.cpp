@@ -3,50 +3,70 @@
 
 #include <algorithm>
 #include <deque>
+#include <iterator>
 #include <map>
+#include <optional>
+#include <span>
 #include <utility>
 
 namespace generalutilities {
 namespace {
 
-/// A segment cut at its translatable records: what comes before the first text, texts with one code
-/// between each two, and what comes behind the last. A code is all records behind one translatable
-/// record, and the head of the next.
+/// A segment as a translator sees it: texts with codes between them. What belongs to the document
+/// and not to the text (up to the file line, the last record of the section) stays outside.
 struct SegmentCut {
-    std::vector<ItdRecord> records;
-    std::vector<std::size_t> texts;      ///< the translatable records
-    std::size_t first = 0;               ///< in `texts`: where the text begins to show
-    std::vector<std::uint32_t> numbers;  ///< of the codes
+    /// What stands between two codes, or before the first or behind the last.
+    struct Gap {
+        std::optional<ItdBlock> head;  ///< of the translatable record there, if there is one
+        std::u16string_view text;
+    };
 
-    std::size_t CodeCount() const { return texts.empty() ? 0 : texts.size() - 1 - first; }
+    std::vector<ItdRecord> records;  ///< all of them
+    std::span<const ItdRecord> before;
+    std::vector<Gap> gaps;                          ///< one more than codes
+    std::vector<std::span<const ItdRecord>> codes;  ///< a record, or none between two texts
+    std::vector<std::uint32_t> numbers;             ///< of the codes
+    std::span<const ItdRecord> behind;
+
     bool IsEmpty() const {
-        return std::ranges::all_of(texts, [&](std::size_t i) { return records[i].text.empty(); });
+        return std::ranges::all_of(gaps, [](const Gap& gap) { return gap.text.empty(); });
     }
-    /// The records of code `i`, the head behind it among them.
-    std::span<const ItdRecord> Code(std::size_t i) const {
-        const std::size_t before = texts[first + i] + 1;
-        return std::span(records).subspan(before, texts[first + i + 1] + 1 - before);
+    std::u16string_view CodeText(std::size_t i) const {
+        return codes[i].empty() ? std::u16string_view() : codes[i].front().text;
     }
-    std::u16string CodeText(std::size_t i) const {
-        std::u16string text;
-        for (const ItdRecord& record : Code(i)) {
-            text += record.block.IsTranslatable() ? std::u16string_view() : record.text;
-        }
-        return text;
+    /// The head of its first text.
+    std::optional<ItdBlock> Head() const {
+        const auto found =
+            std::ranges::find_if(gaps, [](const Gap& gap) { return gap.head.has_value(); });
+        return found == gaps.end() ? std::nullopt : found->head;
     }
 };
 
 SegmentCut Cut(const ItdSegment& segment) {
     SegmentCut cut;
-    for (const ItdRecord& record : segment) {
-        if (record.block.IsTranslatable()) {
-            cut.texts.push_back(cut.records.size());
+    std::ranges::copy(segment, std::back_inserter(cut.records));
+    auto rest = std::span<const ItdRecord>(cut.records);
+    for (std::size_t i = 0; i < rest.size() && !rest[i].block.IsTranslatable(); ++i) {
+        if (rest[i].block.f2 == ItdFileLine) {
+            cut.before = std::span(cut.records).first(i + 1);
         }
-        cut.records.push_back(record);
     }
-    const auto shown = std::ranges::find_if(
-        cut.texts, [&](std::size_t i) { return !cut.records[i].text.empty(); });
-    cut.first = shown == cut.texts.end() ? 0 : static_cast<std::size_t>(shown - cut.texts.begin());
+    rest = rest.subspan(cut.before.size());
+    if (!rest.empty() && rest.back().block.f2 == ItdLastOfSection) {
+        cut.behind = rest.last(1);
+        rest = rest.first(rest.size() - 1);
+    }
+    cut.gaps.emplace_back();
+    for (std::size_t i = 0; i < rest.size(); ++i) {
+        const bool isText = rest[i].block.IsTranslatable();
+        if (!isText || cut.gaps.back().head) {
+            cut.codes.push_back(rest.subspan(i, isText ? 0 : 1));
+            cut.gaps.emplace_back();
+        }
+        if (isText) {
+            cut.gaps.back() = {rest[i].block, rest[i].text};
+        }
+    }
     return cut;
 }
 
@@ -57,97 +77,91 @@ struct SegmentPair {
 
     SegmentPair(const ItdSegment& sourceSegment, const ItdSegment& targetSegment)
         : source(Cut(sourceSegment)), target(Cut(targetSegment)) {
-        if (target.IsEmpty() && target.texts.size() == source.texts.size()) {
-            target.first = source.first;
-        }
-        std::map<std::u16string, std::deque<std::uint32_t>> waiting;
+        std::map<std::u16string_view, std::deque<std::uint32_t>> waiting;
         std::uint32_t last = 0;
-        for (std::size_t i = 0; i < source.CodeCount(); ++i) {
+        for (std::size_t i = 0; i < source.codes.size(); ++i) {
             source.numbers.push_back(++last);
             waiting[source.CodeText(i)].push_back(last);
         }
-        for (std::size_t i = 0; i < target.CodeCount(); ++i) {
-            const auto equal = waiting.find(target.CodeText(i));
-            if (equal == waiting.end() || equal->second.empty()) {
+        for (std::size_t i = 0; i < target.codes.size(); ++i) {
+            std::deque<std::uint32_t>& equal = waiting[target.CodeText(i)];
+            if (equal.empty()) {
                 target.numbers.push_back(++last);
             } else {
-                target.numbers.push_back(equal->second.front());
-                equal->second.pop_front();
+                target.numbers.push_back(equal.front());
+                equal.pop_front();
             }
         }
     }
 };
 
+/// Nothing for a column without any text.
 SegmentPieces PiecesOf(const SegmentCut& cut) {
     SegmentPieces pieces;
-    if (cut.IsEmpty()) {
-        return pieces;
-    }
-    for (std::size_t i = cut.first; i < cut.texts.size(); ++i) {
-        if (i > cut.first) {
-            AppendCode(pieces, cut.numbers[i - cut.first - 1]);
+    for (std::size_t i = 0; i < cut.gaps.size() && !cut.IsEmpty(); ++i) {
+        if (i > 0) {
+            AppendCode(pieces, cut.numbers[i - 1]);
         }
-        AppendText(pieces, cut.records[cut.texts[i]].text);
+        AppendText(pieces, cut.gaps[i].text);
     }
     return pieces;
 }
 
 /// The records without which the file is not what it was.
-std::vector<ItdRecord> NeededRecords(std::span<const ItdRecord> records) {
-    std::vector<ItdRecord> needed;
-    std::ranges::copy_if(records, std::back_inserter(needed), [](const ItdRecord& record) {
-        return record.block.f2 == ItdFileLine || record.block.f2 == ItdLastOfSection;
-    });
-    for (ItdRecord& record : needed) {
-        record.block.pid = record.block.f3 = 0;
+std::vector<std::u16string> NeededRecords(std::span<const ItdRecord> records) {
+    std::vector<std::u16string> needed;
+    for (const ItdRecord& record : records) {
+        if (record.block.f2 == ItdFileLine || record.block.f2 == ItdLastOfSection) {
+            needed.emplace_back(record.text);
+        }
     }
     return needed;
 }
 
-/// The records of the target with a new text.
-class TargetBuilder {
-  public:
-    explicit TargetBuilder(const SegmentPair& segments) : pair(segments) {
-        const SegmentCut& around = pair.target.texts.empty() ? pair.source : pair.target;
-        const auto all = std::span(around.records);
-        Add(all.first(around.texts[around.first] + 1));
-        behind = all.subspan(around.texts.back() + 1);
-        for (const SegmentCut* const cut : {&pair.source, &pair.target}) {
-            for (std::size_t i = 0; i < cut->CodeCount(); ++i) {
-                codes[cut->numbers[i]] = cut->Code(i);
-            }
-        }
-    }
-
-    std::vector<ItdRecord> Build(const SegmentPieces& pieces) {
-        for (const SegmentPiece& piece : pieces) {
-            if (piece.code != 0) {
-                Add(codes.at(piece.code));
-            } else {
-                built.back().text = piece.text;
-            }
-        }
-        Add(behind, false);
-        for (ItdRecord& record : built) {
-            record.block.sid = pair.target.records.front().block.sid;
-        }
-        return std::move(built);
-    }
-
-  private:
-    /// The last one with its head alone, which waits for its text.
-    void Add(std::span<const ItdRecord> records, bool opensText = true) {
-        built.insert(built.end(), records.begin(), records.end());
-        if (opensText) {
-            built.back().text = {};
-        }
-    }
-
-    const SegmentPair& pair;
+/// The records of the target with a new text, whose codes are those of the source. Where their
+/// order is that of the target, or else of the source, texts keep the heads that they have there,
+/// and empty ones stay; otherwise every text gets the head of the first one.
+std::vector<ItdRecord> BuildTarget(const SegmentPair& pair, const SegmentPieces& pieces) {
     std::map<std::uint32_t, std::span<const ItdRecord>> codes;
-    std::span<const ItdRecord> behind;
-    std::vector<ItdRecord> built;
-};
+    for (const SegmentCut* const cut : {&pair.source, &pair.target}) {
+        for (std::size_t i = 0; i < cut->codes.size(); ++i) {
+            codes[cut->numbers[i]] = cut->codes[i];
+        }
+    }
+    std::vector<std::uint32_t> order;
+    std::vector<std::u16string_view> texts(1);
+    for (const SegmentPiece& piece : pieces) {
+        if (piece.code != 0) {
+            order.push_back(piece.code);
+            texts.emplace_back();
+        } else {
+            texts.back() = piece.text;
+        }
+    }
+    const bool hasOwnText = pair.target.Head().has_value();
+    const SegmentCut* const shape = hasOwnText && order == pair.target.numbers ? &pair.target
+                                    : order == pair.source.numbers             ? &pair.source
+                                                                               : nullptr;
+    const ItdBlock head = (hasOwnText ? pair.target : pair.source).Head().value_or(ItdBlock());
+    std::vector<ItdRecord> built(pair.target.before.begin(), pair.target.before.end());
+    bool hasText = false;
+    for (std::size_t i = 0; i < texts.size(); ++i) {
+        if (i > 0) {
+            std::ranges::copy(codes.at(order[i - 1]), std::back_inserter(built));
+        }
+        const auto kept = shape == nullptr ? std::nullopt : shape->gaps[i].head;
+        const bool isLastChance = i + 1 == texts.size() && !hasText;
+        if (kept || !texts[i].empty() || isLastChance) {
+            built.push_back({kept.value_or(head), texts[i]});
+            hasText = true;
+        }
+    }
+    std::ranges::copy(pair.target.behind, std::back_inserter(built));
+    for (ItdRecord& record : built) {
+        record.block.sid = pair.target.records.front().block.sid;
+    }
+    return built;
+}
 
 }  // namespace
 
@@ -172,7 +186,7 @@ void ExtractSegments(ItdDocument& document,
         segment.source = PiecesOf(pair.source);
         segment.target = PiecesOf(pair.target);
         for (const SegmentCut* const cut : {&pair.source, &pair.target}) {
-            for (std::size_t code = 0; code < cut->CodeCount(); ++code) {
+            for (std::size_t code = 0; code < cut->codes.size() && !cut->IsEmpty(); ++code) {
                 segment.codes.resize(
                     std::max<std::size_t>(segment.codes.size(), cut->numbers[code]));
                 segment.codes[cut->numbers[code] - 1] = cut->CodeText(code);
@@ -219,18 +233,15 @@ AppliedRow TranslationApplier::Apply(const TranslationRow& row) {
             row.target.empty() ? TranslationOutcome::NoTranslation : TranslationOutcome::Unchanged;
         return result;
     }
-    if (pair.source.texts.empty()) {
+    if (source.empty()) {
         return refuse("the segment has no translatable text");
     }
     result.codes = CompareCodes(SegmentTextOf(source), SegmentTextOf(row.target));
     if (!result.codes.empty()) {
         return result;
     }
-    const std::vector<ItdRecord> records = TargetBuilder(pair).Build(row.target);
-    const bool keepsEnd = NeededRecords(records) == NeededRecords(pair.target.records) &&
-                          (pair.target.records.back().block.f2 == ItdLastOfSection) ==
-                              (records.back().block.f2 == ItdLastOfSection);
-    if (!keepsEnd) {
+    const std::vector<ItdRecord> records = BuildTarget(pair, row.target);
+    if (NeededRecords(records) != NeededRecords(pair.target.records)) {
         return refuse("its records hold what the document cannot lose");
     }
     document.targetSegments[number - 1] = document.Store(records);

@@ -1,0 +1,1 @@
+generalutilities_fuzz(itd-exchange LINK gu-itd-exchange)
