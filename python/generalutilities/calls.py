@@ -74,6 +74,7 @@ class Call:
                 place = slot
             if parameter.is_in:
                 self.inputs.append((place, _storing(parameter, member), parameter))
+        self.memory = _memory_of(member)
         self.given_back = [(self.result, member.result)] if member.result else []
         self.given_back += [(slot, parameter) for _, slot, parameter in self.outputs]
         self.plain_result = (self.result is not None and not self.outputs and
@@ -105,6 +106,8 @@ class Call:
                 except Unpassable as unpassable:
                     raise ArgumentError(_TYPE_MISMATCH, str(unpassable),
                                         f"{self.source}, argument {parameter.name}") from None
+            if self.memory is not None:
+                self._check_memory(*(arguments[index] for index in self.memory))
             status = instance._invoke(reference, self.identifier, _NO_IID, _NO_LOCALE, self.flags,
                                       frame.parameters, frame.result, frame.exception, frame.bad)
             if status >= 0 and self.result is not None:
@@ -121,6 +124,13 @@ class Call:
             for place in owned:
                 runtime.VariantClear(base + place)
             self.frames.append(frame)
+
+    def _check_memory(self, memory, size, count):
+        """The library cannot know how much memory there is, and would go beyond it."""
+        held = memoryview(memory).nbytes
+        if size < 0 or count < 0 or size * count > held:
+            raise ArgumentError(_TYPE_MISMATCH, f"{count} elements of {size} bytes do not fit into "
+                                f"{held} bytes", self.source)
 
     def _give_back(self, buffer, status, kept):
         if status != 0:
@@ -148,6 +158,15 @@ class Call:
             name = f", argument {self.names[self.count - 1 - bad]}" if bad < self.count else ""
             return ArgumentError(status, source=source + name)
         return Error(status, source=source)
+
+
+def _memory_of(member):
+    """Where the values stand that say what memory is passed: itself, the size and the number of its
+    elements, the last two by their names. None for a member that takes no memory."""
+    found = [next((i for i, p in enumerate(member.inputs) if fits(p)), None) for fits in (
+        lambda p: p.vt == values.VT_VOID, lambda p: p.name.endswith("Size"),
+        lambda p: p.name.endswith("Count"))]
+    return None if None in found else found
 
 
 def _storing(parameter, member):

@@ -20,6 +20,8 @@ FILE_NAME = "libGeneralUtilities.so"
 def _load():
     """The environment variable decides alone; else the folder of the package, then the loader."""
     chosen = os.environ.get(ENVIRONMENT_VARIABLE)
+    if chosen and os.sep in chosen:
+        chosen = os.path.abspath(chosen)  # the program may go to another folder later
     beside = Path(__file__).with_name(FILE_NAME)
     path = chosen or (str(beside) if beside.exists() else FILE_NAME)
     try:

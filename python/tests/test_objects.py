@@ -5,13 +5,34 @@ import datetime
 import decimal
 import gc
 import inspect
+import os
 import random
+import shutil
+import subprocess
+import sys
+import tempfile
 import threading
 import unittest
+from pathlib import Path
 
 import generalutilities
 from generalutilities import type_information
 from generalutilities.type_information import CLASS
+
+
+class Finding(unittest.TestCase):
+    def test_the_library_is_found_beside_the_package_or_missed_with_words(self):
+        package = Path(generalutilities.__file__).parent
+        environment = {"PATH": os.environ["PATH"], "LD_PRELOAD": os.environ.get("LD_PRELOAD", "")}
+        environment["ASAN_OPTIONS"] = "detect_leaks=0"
+        with tempfile.TemporaryDirectory() as folder:
+            shutil.copytree(package, Path(folder) / package.name)
+            command = [sys.executable, "-c", "import generalutilities"]
+            missed = subprocess.run(command, cwd=folder, env=environment, capture_output=True)
+            self.assertIn(b"set GENERALUTILITIES_LIBRARY to the path of lib", missed.stderr)
+            (Path(folder) / package.name / generalutilities.runtime.FILE_NAME).symlink_to(
+                generalutilities.runtime.library_path())
+            subprocess.run(command, cwd=folder, env=environment, check=True)
 
 
 class Values(unittest.TestCase):
