@@ -1,5 +1,5 @@
 // A text part from outside. What can be read can be written, and takes no more room than it did but
-// for the forms of lengths and the marks of comments.
+// for the marks of comments, and a section word and a head that were found in what stands before.
 
 #include <generalutilities/itd/text_part.h>
 
@@ -30,7 +30,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     LanguageCodeOfFileLine(document.sourceSegments);
     const std::string written = SerializeTextPart(document);
-    Require(written.size() <= size + 2 * document.commentStrings.size() + 18);
+    constexpr std::size_t WordAndHead = 6 + sizeof(ItdBlock);
+    Require(written.size() <= size + 2 * document.commentStrings.size() + WordAndHead);
     Require(written.starts_with(document.headerBytes) && written.ends_with(document.footerBytes));
     return 0;
 }

@@ -1,5 +1,6 @@
 // The stream of a document: what is written is read back, and damaged streams are refused.
 
+#include "case_table.h"
 #include "sample_document.h"
 
 #include <algorithm>
@@ -8,6 +9,7 @@
 namespace generalutilities {
 namespace {
 
+using namespace std::string_literals;
 using namespace std::string_view_literals;
 
 void ExpectSameSegments(std::span<const ItdSegment> a, std::span<const ItdSegment> b) {
@@ -63,6 +65,99 @@ TEST(TextPart, WhatIsWrittenIsReadBack) {
     EXPECT_GT(read, 1000);
 }
 
+/// A document of one record a section.
+ItdDocument SmallDocument(std::u16string_view sourceText, std::uint32_t sectionWord = 7,
+                          std::uint32_t targetPid = 1) {
+    ItdDocument document;
+    document.headerBytes = SampleHeader(0, true);
+    document.sourceSegments = {
+        document.Store(std::vector<ItdRecord>{{{1, ItdLastOfSection, 2, 3}, sourceText}})};
+    document.targetSegments = {
+        document.Store(std::vector<ItdRecord>{{{targetPid, ItdLastOfSection, 2, 3}, u"target"}})};
+    document.sectionWord = sectionWord;
+    document.footerBytes = "footer";
+    return document;
+}
+
+/// The search for the target section among bytes that look like something else.
+TEST(TextPart, SectionsAreFoundAmongLookalikes) {
+    for (const auto& row : CaseTable("lookalikes.tsv")) {
+        for (const bool commented : {false, true}) {
+            SCOPED_TRACE(testing::PrintToString(row) + (commented ? " commented" : ""));
+            const auto number = [&row](std::size_t cell) {
+                return static_cast<std::uint32_t>(std::stoul(Bytes(row[cell]), nullptr, 16));
+            };
+            ItdDocument document = SmallDocument(row[0], number(1), number(2));
+            if (commented) {
+                document.commentStrings = {row[0].empty() ? u"x" : u"x" + row[0]};
+            }
+            const std::string stream = SerializeTextPart(document);
+            ItdDocument again;
+            const bool same = ParseTextPart(stream, 0, again) == ItdParse::Complete &&
+                              again.sectionWord == document.sectionWord && again.gapBytes.empty() &&
+                              again.commentStrings == document.commentStrings &&
+                              SerializeTextPart(again) == stream;
+            EXPECT_EQ(same ? u"same" : u"lost", row[commented ? 4 : 3]);
+        }
+    }
+}
+
+TEST(TextPart, UnknownBytesBetweenTheSectionsStay) {
+    for (std::size_t gap = 1; gap < 40; ++gap) {
+        ItdDocument document = SmallDocument(u"source");
+        document.gapBytes = std::string(gap, '\x05');
+        const std::string stream = SerializeTextPart(document);
+        ItdDocument again;
+        ASSERT_EQ(ParseTextPart(stream, 0, again), ItdParse::Complete) << gap;
+        EXPECT_EQ(again.gapBytes, document.gapBytes);
+        EXPECT_EQ((*again.targetSegments[0].begin()).text, u"target");
+        EXPECT_EQ(SerializeTextPart(again), stream);
+    }
+}
+
+TEST(TextPart, LengthsAreReadInEachFormAndWrittenInTheShortest) {
+    const std::string stream = SerializeTextPart(SmallDocument(u"Hi"));
+    const std::size_t at = stream.find("\xFF\xFE\xFF\2"s) + 2;
+    for (const std::string& form : {"\xFF\xFF\2\0"s, "\xFF\xFF\xFF\xFF\2\0\0\0"s}) {
+        ItdDocument document;
+        ASSERT_EQ(ParseTextPart(std::string(stream).replace(at, 2, form), 0, document),
+                  ItdParse::Complete);
+        EXPECT_EQ((*document.sourceSegments[0].begin()).text, u"Hi");
+        EXPECT_EQ(SerializeTextPart(document), stream);
+    }
+}
+
+TEST(TextHeader, WideStringsAreSkippedInEachForm) {
+    const std::string rest = SampleHeader(5, true).substr(9);
+    const struct {
+        std::string start;  ///< from the byte that tells the kind on
+        bool known;
+    } cases[] = {
+        {"\x07", true},
+        {"\xFF?\xFF\0\1c!"s, true},
+        {"\xFF?\xFF\2a\0b\0\0!"s, true},
+        {"\xFF?\xFF\xFF\1\0a\0\2cc!"s, true},
+        {"\xFF?\xFE\0\1c!"s, false},
+        {"\xFF?\0\xFF\1c!"s, false},
+    };
+    for (const auto& row : cases) {
+        const std::string header = std::string(8, '\0') + row.start + rest;
+        ItdTextHeader read;
+        EXPECT_EQ(ParseTextHeader(header, read) == ItdParse::Complete, row.known);
+        if (!row.known) {
+            continue;
+        }
+        EXPECT_EQ(read.sourceLanguage + read.targetLanguage, u"en-USde-DE");
+        EXPECT_EQ(header.substr(read.sourceLanguageOffset, 6), "\5en-US");
+        EXPECT_EQ(read.statusEntryCount, 5U);
+        const std::size_t whole = header.find(std::string(8, '\xFF'));
+        for (std::size_t size = 0; size <= whole; ++size) {
+            EXPECT_EQ(ParseTextHeader(header.substr(0, size), read) == ItdParse::Complete,
+                      size == whole);
+        }
+    }
+}
+
 TEST(TextPart, DamageIsRefusedOrHarmless) {
     std::mt19937 random(7);
     for (int i = 0; i < 20; ++i) {
@@ -71,6 +166,7 @@ TEST(TextPart, DamageIsRefusedOrHarmless) {
         if (stream.size() > 2000) {
             continue;
         }
+        const std::size_t end = stream.size() - document.footerBytes.size();
         const auto entries = static_cast<std::uint32_t>(document.statusEntries.size());
         const auto parse = [&](std::string_view bytes) {
             ItdTextHeader header;
@@ -94,8 +190,7 @@ TEST(TextPart, DamageIsRefusedOrHarmless) {
                 parse(bytes.insert(at, damage));
             }
         }
-        const std::size_t text = stream.size() - document.footerBytes.size();
-        EXPECT_NE(parse(std::string_view(stream).substr(0, text - 1)), ItdParse::Complete);
+        EXPECT_NE(parse(std::string_view(stream).substr(0, end - 1)), ItdParse::Complete);
         ItdDocument unread;
         EXPECT_EQ(ParseTextPart(stream, 0xFFFFFFFF, unread), ItdParse::FaultyStream);
     }
