@@ -33,7 +33,7 @@ negative answer instead of a result, it gives None."""
 
 from collections.abc import Callable, Iterator
 from enum import IntEnum
-from typing import Generic, Literal, NoReturn, TypeVar, overload
+from typing import Generic, Literal, TypeVar, overload
 
 from .late_binding import Object
 
@@ -94,8 +94,7 @@ def members_of(interface, comments):
             yield f"    def {name}{kinds[METHOD].signature}:{words('')}"
         elif reader is None:
             value = kinds[PUT].parameters[-1].python_type
-            yield (f"    @property\n    def {name}(self) -> NoReturn: ...\n    @{name}.setter\n"
-                   f"    def {name}(self, value: {value}) -> None:{words('put_')}")
+            yield f"    {name}: {value}  # can be written only"
         elif reader.parameters:
             key, item = reader.inputs[0].python_type, reader.result.python_type
             yield (f"    @property\n    def {name}(self) -> IndexedProperty[{key}, {item}]:"

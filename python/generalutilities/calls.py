@@ -9,8 +9,9 @@ result, and False for a method without one.
 
 import ctypes
 import struct
-from collections.abc import Mapping
+from collections.abc import Callable, Mapping
 from ctypes import c_int32, c_uint16, c_uint32, c_void_p
+from typing import Any
 
 from . import callbacks, runtime, values
 from .errors import ArgumentError, Error, ReleasedError
@@ -19,7 +20,8 @@ from .type_information import PUT
 from .values import SIZE, Unpassable, load, store
 
 invoke = Operation(6, c_int32, c_void_p, c_uint32, c_uint16, c_void_p, c_void_p, c_void_p, c_void_p)
-make_dictionary = None  # late_binding puts its own here: a mapping to a dictionary of the library
+# late_binding puts its own here: a mapping to a dictionary of the library.
+make_dictionary: Callable[[Mapping], Any]
 
 _PROPERTY_PUT = -3
 _TYPE_MISMATCH, _NOT_FOUND, _BAD_COUNT, _NOT_OPTIONAL, _EXCEPTION = (

@@ -45,7 +45,7 @@ def genutil(*arguments: str | os.PathLike[str], progress: Callable[[str, int], o
     GENUTIL, else "genutil" of the search path.
     """
     program = os.environ.get("GENUTIL", "genutil")
-    line = [program, *map(os.fspath, arguments), *_options(options), "--json"]
+    line = [program, *(os.fspath(one) for one in arguments), *_options(options), "--json"]
     if progress is not None:
         line.append("--progress=plain")
     told = []
@@ -53,9 +53,10 @@ def genutil(*arguments: str | os.PathLike[str], progress: Callable[[str, int], o
             line, stdin=subprocess.DEVNULL, stdout=answer, stderr=subprocess.PIPE,
             encoding="utf-8", errors="replace") as process:
         try:
+            assert process.stderr is not None
             for text in process.stderr:
-                step = _PROGRESS.fullmatch(text.rstrip("\n")) if progress is not None else None
-                if step:
+                step = _PROGRESS.fullmatch(text.rstrip("\n"))
+                if step and progress is not None:
                     progress(step[1], int(step[2]))
                 else:
                     told.append(text)

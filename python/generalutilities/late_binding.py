@@ -6,7 +6,9 @@ member, with the signature that the type information tells.
 
 import ctypes
 import functools
+import threading
 from ctypes import c_char_p, c_int32, c_uint32, c_void_p
+from typing import TypeVar
 
 from . import calls, runtime, type_information, values
 from .calls import Call
@@ -15,6 +17,8 @@ from .events import Events
 from .runtime import IID_IDispatch, NO_IID, Operation, Reference, check, made, query
 from .type_information import CLASS, ENUMERATION, GET, METHOD, NEW_ENUM, PUT, VALUE, Member, python_name
 from .values import InterfaceHolder, load
+
+_Self = TypeVar("_Self")
 
 _ids_of_names = Operation(5, c_char_p, c_void_p, c_uint32, c_uint32, c_void_p)
 _next_value = Operation(3, c_uint32, c_void_p, c_void_p)
@@ -78,7 +82,7 @@ class Unknown(InterfaceHolder):
         """Gives the object back now. A second time does nothing."""
         self._reference = None
 
-    def __enter__(self):
+    def __enter__(self: _Self) -> _Self:
         return self
 
     def __exit__(self, *_):
@@ -88,7 +92,7 @@ class Unknown(InterfaceHolder):
         return f"<{type(self).__name__}{' (released)' if self._reference is None else ''}>"
 
 
-_invokes = {}  # `Invoke` of all objects with the same table of operations
+_invokes: dict = {}  # `Invoke` of all objects with the same table of operations
 
 
 class Object(Unknown):
@@ -214,18 +218,20 @@ def _classes():
             for one in type_information.types().values() if one.kind == CLASS}
 
 
-_made = {}
+_made: dict = {}
+_making = threading.RLock()  # an interface has one class, whichever thread meets it first
 
 
 def class_of(interface_type):
     """The Python class for an interface, named after the library's class that has it."""
-    known = _made.get(interface_type.guid)
-    if known is None:
-        owner = _classes().get(interface_type.guid, interface_type)
-        attributes = _member_attributes(owner.name, interface_type.members)
-        attributes |= {"__slots__": (), "__doc__": owner.help or None, "__module__": __package__}
-        known = _made[interface_type.guid] = type(owner.name, (Object,), attributes)
-    return known
+    with _making:
+        known = _made.get(interface_type.guid)
+        if known is None:
+            owner = _classes().get(interface_type.guid, interface_type)
+            attributes = _member_attributes(owner.name, interface_type.members)
+            attributes |= {"__slots__": (), "__doc__": owner.help or None, "__module__": __package__}
+            known = _made[interface_type.guid] = type(owner.name, (Object,), attributes)
+        return known
 
 
 def named_type(name):

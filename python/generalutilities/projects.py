@@ -2,7 +2,6 @@
 
 from __future__ import annotations
 
-import ctypes
 import os
 from typing import TYPE_CHECKING
 
@@ -30,10 +29,8 @@ class Project(Unknown):
 def open_project(location: str | os.PathLike[str]) -> Project:
     """Opens the project at a path. A failure says which file and why."""
     location = os.fspath(location)
-    found = ctypes.c_void_p()
-    runtime.check(runtime.OpenProjectDatabase(runtime.wide(location), ctypes.byref(found)),
-                  f"opening {location}")
-    return Project(runtime.Reference(found.value), location)
+    return Project(runtime.made(runtime.OpenProjectDatabase, runtime.wide(location),
+                                source=f"opening {location}"), location)
 
 
 def open_document(path: str | os.PathLike[str]) -> ITDReader:

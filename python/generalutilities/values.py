@@ -10,7 +10,9 @@ import datetime
 import decimal
 import operator
 import struct
+from collections.abc import Callable
 from ctypes import c_int32, c_void_p
+from typing import Any
 
 from . import runtime
 from .runtime import allocate_string, check, read_string
@@ -42,7 +44,8 @@ _real = struct.Struct("<Hxxxxxxd")
 pack, _unpack = _whole.pack_into, _whole.unpack_from
 _pack_signed, _pack_real = _signed.pack_into, _real.pack_into
 
-wrap_interface = None  # late_binding puts its own here: an address to a Python object
+# late_binding puts its own here: an address to a Python object.
+wrap_interface: Callable[[int], Any]
 
 
 class Unpassable(TypeError):
