@@ -203,6 +203,51 @@ TEST_F(ItdClassesTest, FailuresHaveTheirWords) {
     expectAll({{}, itderrUnableToOpenFile, u"Unable to open File"});
 }
 
+/// Whatever is wrong with a file, it is told in a documented way, and what can be opened can be
+/// walked to its end.
+TEST_F(ItdClassesTest, DamagedFilesAreToldOrWalked) {
+    const auto check = [&](const std::string& file) {
+        WriteFile(path.Text(), file);
+        SetErrorInfo(0, nullptr);
+        const HRESULT status = reader->OpenITDFile(path.Get());
+        const std::u16string report = Report();
+        if (status == S_OK) {
+            VARIANT_BOOL more = VARIANT_TRUE;
+            EXPECT_EQ(reader->Restart(), S_OK);
+            while (reader->Next(&more) == S_OK && more != VARIANT_FALSE) {
+            }
+            EXPECT_EQ(more, VARIANT_FALSE);
+            return true;
+        }
+        EXPECT_EQ(report, status == ErrorInvalidData ? u"nothing"
+                                                     : u"GeneralUtilities.ITDReader.1: " +
+                                                           std::u16string(ItdErrorText(status)));
+        EXPECT_NE(report, u"GeneralUtilities.ITDReader.1: Unknown Error");
+        return false;
+    };
+    const std::string part = SampleTextPart();
+    const std::string file = ReadFile(path.Text());
+    for (std::size_t at = 0; at < file.size(); ++at) {
+        EXPECT_FALSE(check(file.substr(0, at))) << at;
+        for (const int mask : {0xFF, 0x80, 1}) {
+            std::string damaged = file;
+            damaged[at] = static_cast<char>(damaged[at] ^ mask);
+            check(damaged);
+        }
+    }
+    for (std::size_t at = 0; at < part.size(); ++at) {
+        const auto packed = [&](std::string_view damaged) {
+            WriteItdFile(path.Text(), damaged);
+            return ReadFile(path.Text());
+        };
+        const bool wholeRecords = at >= part.size() - 3;  // only the footer is cut
+        EXPECT_EQ(check(packed(part.substr(0, at))), wholeRecords) << at;
+        std::string damaged = part;
+        damaged[at] = static_cast<char>(~damaged[at]);
+        check(packed(damaged));
+    }
+}
+
 TEST_F(ItdClassesTest, WriterPutsTextIntoACopy) {
     const std::string before = ReadFile(path.Text());
     std::int32_t count = 0;
