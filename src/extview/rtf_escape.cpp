@@ -1,6 +1,10 @@
 // The text goes through a buffer, since a string that grows by a few units at a time spends most of
 // its time on growing. Only long runs of plain units, whose ends vectors find, are appended as they
 // are.
+//
+// No processor foresees which letter of a word is beyond ASCII. So a block of units is first turned
+// into bits, and then each unit that has to be escaped is written in the same steps, behind the
+// plain units before it.
 
 #include "extview/rtf_escape.h"
 
@@ -8,6 +12,8 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
+#include <cstring>
 #include <utility>
 
 namespace generalutilities::rtf {
@@ -43,24 +49,45 @@ char16_t* WriteControlCharacter(char16_t unit, char16_t* out) {
     return out;
 }
 
-char16_t Digit(unsigned value) {
-    return static_cast<char16_t>(u'0' + value);
+/// The decimal digits of a number, one behind the other from the lowest bits on, and their count in
+/// the uppermost 16 bits.
+constexpr std::uint64_t DigitsOf(unsigned number, unsigned atLeast) {
+    std::uint64_t digits = 0;
+    std::uint64_t count = 0;
+    for (; number != 0 || count < atLeast; number /= 10) {
+        digits = digits << 16 | (u'0' + number % 10);
+        ++count;
+    }
+    return digits | count << 48;
 }
 
-/// Of 128 and more, so there are three digits at least.
+constexpr auto Hundreds = [] {
+    std::array<std::uint64_t, 0xFFFF / 100 + 1> numbers{};
+    for (unsigned number = 0; number < numbers.size(); ++number) {
+        numbers[number] = DigitsOf(number, 1);
+    }
+    return numbers;
+}();
+
+constexpr auto TwoDigits = [] {
+    std::array<std::uint32_t, 100> numbers{};
+    for (unsigned number = 0; number < numbers.size(); ++number) {
+        numbers[number] = static_cast<std::uint32_t>(DigitsOf(number, 2));
+    }
+    return numbers;
+}();
+
+/// Of 128 and more, so there are hundreds.
 char16_t* WriteUnicode(char16_t unit, char16_t* out) {
+    static_assert(std::endian::native == std::endian::little);
     out = Write(u"\\uc0\\u", out);
-    if (unit >= 10000) {
-        *out++ = Digit(unit / 10000u);
-    }
-    if (unit >= 1000) {
-        *out++ = Digit(unit / 1000u % 10);
-    }
-    *out++ = Digit(unit / 100u % 10);
-    *out++ = Digit(unit / 10u % 10);
-    *out++ = Digit(unit % 10u);
-    *out++ = u' ';
-    return out;
+    const std::uint64_t hundreds = Hundreds[unit / 100u];
+    const std::uint32_t rest = TwoDigits[unit % 100u];
+    std::memcpy(out, &hundreds, sizeof hundreds);
+    out += hundreds >> 48;
+    std::memcpy(out, &rest, sizeof rest);
+    out[2] = u' ';
+    return out + 3;
 }
 
 bool IsDigit(char16_t unit) {
@@ -77,6 +104,9 @@ std::size_t PlaceholderLength(std::u16string_view text) {
     return isOne ? static_cast<std::size_t>(end - text.begin()) + 1 : 0;
 }
 
+constexpr std::size_t BufferSize = 1024;
+constexpr std::size_t LongText = 256;
+
 /// What the two kinds of text do not have in common.
 struct Table {
     static constexpr bool hasPlaceholders = false;
@@ -91,33 +121,21 @@ struct Segment {
 template <class Kind>
 class Escapes {
   public:
-    /// Escapes as much of the text as the buffer holds, up to a placeholder, and of a long plain
-    /// run but the start; how many units.
-    std::size_t Read(std::u16string_view text) {
+    /// Escapes as much of the text from `position` on as the buffer holds, up to a placeholder or a
+    /// block of plain units; where it ends.
+    std::size_t Read(std::u16string_view text, std::size_t position) {
         end = buffer.data();
-        std::size_t position = 0;
-        while (position < text.size() &&
-               static_cast<std::size_t>(buffer.data() + buffer.size() - end) >= Longest) {
-            const char16_t unit = text[position];
-            if (!IsPlain(unit)) {
-                if (IsPlaceholder(text.substr(position))) {
-                    break;
-                }
-                position += Escape(text.substr(position));
-                continue;
-            }
-            escaped = false;
-            if (std::exchange(afterWord, false)) {
-                *end++ = u' ';
-            }
-            const std::size_t first = position;
-            const std::size_t most = std::min(text.size(), position + LongRun);
-            do {
-                *end++ = text[position++];
-            } while (position < most && IsPlain(text[position]));
-            if (position - first == LongRun) {
+        while (position < text.size() && buffer.data() + buffer.size() - end >= LongestBlock &&
+               !IsPlaceholder(text.substr(position))) {
+            const std::uint32_t escapes = FindEscapes(text, position);
+            if (escapes == 0 && !afterWord) {
                 break;
             }
+            std::size_t blockEnd = std::min(position + EscapeBlock, text.size());
+            if (text[blockEnd - 1] == u'\r' && blockEnd - position > 1) {
+                --blockEnd;  // a LF may follow
+            }
+            position = ReadBlock(text, position, blockEnd, escapes);
         }
         return position;
     }
@@ -136,18 +154,81 @@ class Escapes {
     bool AfterWord() const { return afterWord; }
 
   private:
-    /// Longer plain runs are appended without the buffer.
-    static constexpr std::size_t LongRun = 16;
-    static constexpr std::size_t Longest = LongRun + 1;
+    /// Twelve units for each, and what a copy writes beyond the end.
+    static constexpr std::ptrdiff_t LongestBlock = 12 * EscapeBlock + 16;
+
+    /// A bit for each unit of the block at `position`, or of what is left of the text.
+    static std::uint32_t FindEscapes(std::u16string_view text, std::size_t position) {
+        constexpr std::size_t Few = 12;
+        if (text.size() < EscapeBlock || text.size() - position < Few) {
+            std::uint32_t escapes = 0;
+            for (std::size_t i = position; i < text.size(); ++i) {
+                escapes |= static_cast<std::uint32_t>(!IsPlain(text[i])) << (i - position);
+            }
+            return escapes;
+        }
+        const std::size_t block = std::min(position, text.size() - EscapeBlock);
+        const char16_t* const units = text.data() + block;
+        return (HasAvx2() ? FindEscapesByBlocks(units) : FindEscapesUnitByUnit(units)) >>
+               (position - block);
+    }
+
+    /// Escapes a block, up to a placeholder, and the LF of a last CR; where it ends.
+    std::size_t ReadBlock(std::u16string_view text, std::size_t position, std::size_t blockEnd,
+                          std::uint32_t escapes) {
+        for (const std::size_t first = position; escapes != 0; escapes &= escapes - 1) {
+            const std::size_t next = first + static_cast<std::size_t>(std::countr_zero(escapes));
+            if (next >= blockEnd) {
+                break;
+            }
+            if (next < position) {
+                continue;  // the LF of a CR LF
+            }
+            char16_t* const out = CopyPlain(text, position, next);
+            if (text[next] >= 0x80) {
+                end = WriteUnicode(text[next], out);
+                escaped = afterWord = false;
+                position = next + 1;
+                continue;
+            }
+            end = out;
+            position = next;
+            if (IsPlaceholder(text.substr(next))) {
+                return position;
+            }
+            position += EscapeAscii(text.substr(next));
+        }
+        end = CopyPlain(text, position, std::max(position, blockEnd));
+        return std::max(position, blockEnd);
+    }
+
+    /// Copies plain units, which may be none: whether there are some is not foreseen either. Where
+    /// they end in the buffer.
+    char16_t* CopyPlain(std::u16string_view text, std::size_t first, std::size_t last) {
+        char16_t* out = end;
+        if (afterWord || escaped) {
+            if (first == last) {
+                return out;
+            }
+            if (afterWord) {
+                *out++ = u' ';
+            }
+            afterWord = escaped = false;
+        }
+        constexpr std::size_t AtOnce = 16;
+        if (last - first <= AtOnce && first + AtOnce <= text.size()) {
+            std::memcpy(out, text.data() + first, AtOnce * sizeof(char16_t));
+        } else {
+            std::copy_n(text.data() + first, last - first, out);
+        }
+        return out + (last - first);
+    }
 
     /// Escapes one unit, or a CR LF; how many units.
-    std::size_t Escape(std::u16string_view text) {
+    std::size_t EscapeAscii(std::u16string_view text) {
         const char16_t unit = text[0];
         escaped = unit == u'\\' && !escaped;
-        if (unit >= 0x80) {
-            end = WriteUnicode(unit, end);
-            afterWord = false;
-        } else if (unit == u'\r' || unit == u'\n') {
+        if (unit == u'\r' || unit == u'\n') {
             end = Write(Kind::lineEnd, end);
             afterWord = true;
             return text.starts_with(u"\r\n") ? 2 : 1;
@@ -165,27 +246,38 @@ class Escapes {
         return 1;
     }
 
-    std::array<char16_t, 512> buffer;
+    std::array<char16_t, BufferSize> buffer;
     char16_t* end = buffer.data();
     bool afterWord = false;
     bool escaped = false;  ///< an odd number of backslashes stands directly before
 };
 
+/// Has the memory that is written next fetched while the buffer is filled.
+[[gnu::always_inline]] inline void FetchEnd(const std::u16string& output) {
+    constexpr std::size_t Line = 32;
+    const std::size_t last = std::min(output.size() + BufferSize, output.capacity());
+    for (std::size_t place = output.size(); place < last; place += Line) {
+        __builtin_prefetch(output.data() + place, 1);
+    }
+}
+
 template <class Kind>
 void Append(std::u16string& output, std::u16string_view text) {
     Escapes<Kind> escapes;
-    while (!text.empty()) {
-        const std::size_t plain = escapes.AfterWord() ? 0 : PlainRun(text);
-        output.append(text, 0, plain);
+    for (std::size_t position = 0; position < text.size();) {
+        const std::size_t plain = escapes.AfterWord() ? 0 : PlainRun(text.substr(position));
+        output.append(text, position, plain);
         escapes.Pass(plain);
-        text.remove_prefix(plain);
-        text.remove_prefix(escapes.Read(text));
+        if (text.size() - position > LongText) {
+            FetchEnd(output);
+        }
+        position = escapes.Read(text, position + plain);
         output.append(escapes.Text());
-        if (escapes.IsPlaceholder(text)) {
-            const std::size_t length = PlaceholderLength(text);
+        if (escapes.IsPlaceholder(text.substr(position))) {
+            const std::size_t length = PlaceholderLength(text.substr(position));
             output.append(u"{\\cs6\\f1\\cf6\\lang1024<c:");
-            output.append(text, 1, length - 2).append(u">}");
-            text.remove_prefix(length);
+            output.append(text, position + 1, length - 2).append(u">}");
+            position += length;
         }
     }
 }
@@ -195,6 +287,14 @@ void Append(std::u16string& output, std::u16string_view text) {
 std::size_t PlainRunUnitByUnit(std::u16string_view text) noexcept {
     return static_cast<std::size_t>(std::find_if_not(text.begin(), text.end(), IsPlain) -
                                     text.begin());
+}
+
+std::uint32_t FindEscapesUnitByUnit(const char16_t* block) noexcept {
+    std::uint32_t escapes = 0;
+    for (std::size_t i = 0; i < EscapeBlock; ++i) {
+        escapes |= static_cast<std::uint32_t>(!IsPlain(block[i])) << i;
+    }
+    return escapes;
 }
 
 void AppendEscaped(std::u16string& output, std::u16string_view text) {

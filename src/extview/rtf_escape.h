@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -17,9 +18,14 @@ void AppendEscaped(std::u16string& output, std::u16string_view text);
 /// \} stands behind \line, the blank that ends such a word comes before the next plain unit.
 void AppendSegment(std::u16string& output, std::u16string_view text);
 
-/// How many units at the start of a text stand for themselves in RTF. In two forms, which give the
-/// same answers; the second one needs HasAvx2() (platform/cpu.h).
+/// How many units at the start of a text stand for themselves in RTF.
 std::size_t PlainRunUnitByUnit(std::u16string_view text) noexcept;
 std::size_t PlainRunByBlocks(std::u16string_view text) noexcept;
+
+/// Which ones of a block of 32 units do not, the first in the lowest bit. These two jobs have two
+/// forms each, which give the same answers; the second one needs HasAvx2() (platform/cpu.h).
+inline constexpr std::size_t EscapeBlock = 32;
+std::uint32_t FindEscapesUnitByUnit(const char16_t* block) noexcept;
+std::uint32_t FindEscapesByBlocks(const char16_t* block) noexcept;
 
 }  // namespace generalutilities::rtf

@@ -3,6 +3,8 @@
 #include "case_table.h"
 #include "platform/cpu.h"
 
+#include <random>
+
 namespace generalutilities::rtf {
 namespace {
 
@@ -42,7 +44,7 @@ TEST(RtfEscape, EachAsciiUnit) {
     EXPECT_EQ(Escape(u"\x80"), u"\\uc0\\u128 ");
 }
 
-TEST(RtfEscape, FindsTheSamePlainRunByBlocksAsUnitByUnit) {
+TEST(RtfEscape, FindsTheSameByBlocksAsUnitByUnit) {
     if (!HasAvx2()) {
         GTEST_SKIP() << "no processor for the vector form";
     }
@@ -50,6 +52,30 @@ TEST(RtfEscape, FindsTheSamePlainRunByBlocksAsUnitByUnit) {
         std::u16string text(50, u'~');
         text[unit % 50] = static_cast<char16_t>(unit);
         ASSERT_EQ(PlainRunByBlocks(text), PlainRunUnitByUnit(text)) << std::hex << unit;
+        ASSERT_EQ(FindEscapesByBlocks(text.data()), FindEscapesUnitByUnit(text.data()))
+            << std::hex << unit;
+    }
+}
+
+/// Blocks begin anywhere in a text and end anywhere.
+TEST(RtfEscape, DoesNotDependOnThePlaceInATextOfBlocks) {
+    const unsigned seed = std::random_device()();
+    std::mt19937 random(seed);
+    SCOPED_TRACE(seed);
+    constexpr std::u16string_view Units = u"\r\r\n\t{7}\\\x01\x7F\x80\u03B1\u0436\u5B57\uFFFD xyz";
+    for (int round = 0; round < 200; ++round) {
+        std::u16string text;
+        for (std::size_t left = random() % 12; left > 0; --left) {
+            text += Units[random() % Units.size()];
+        }
+        for (const Appending append : {AppendEscaped, AppendSegment}) {
+            const std::u16string expected = Escape(text + u"x", append);
+            for (std::size_t before = 0; before < 70; ++before) {
+                const std::u16string front(before, u'x');
+                const std::u16string back(random() % 40, u'x');
+                ASSERT_EQ(Escape(front + text + u"x" + back, append), front + expected + back);
+            }
+        }
     }
 }
 
