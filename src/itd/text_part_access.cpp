@@ -22,7 +22,10 @@ ComPtr<IZipManager> CreateZipManager() {
 
 Bstr FileName(std::u16string_view path) {
     Bstr name(path);
-    return name.Get() == nullptr ? throw std::bad_alloc() : name;
+    if (name.Get() == nullptr) {
+        throw std::bad_alloc();
+    }
+    return name;
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include <generalutilities/interfaces/class_ids.h>
 #include <generalutilities/interfaces/code_page_helper.h>
 #include <generalutilities/interfaces/ext_view_helper.h>
+#include <generalutilities/interfaces/itd.h>
 #include <generalutilities/interfaces/string_utils.h>
 
 #include "allocations.h"
@@ -15,6 +16,7 @@
 #include "described_call.h"
 #include "frame/bstr_text.h"
 #include "frame/interface_descriptions.h"
+#include "itd/sample_file.h"
 #include "platform/files/utf8.h"
 #include "project.h"
 #include "rounds.h"
@@ -87,13 +89,13 @@ void FailEachInBalance(const std::string& name, const Call& call,
 }
 
 template <class Interface>
-void FailEachMethod(const InterfaceDescription& interface, Interface* object, const Bstr& text) {
+void FailEachMethod(const InterfaceDescription& interface, Interface* object, const Bstr& text,
+                    HRESULT documented = S_FALSE) {  // folding may give a part
     for (const Method& method : interface.methods) {
         for (const std::int32_t number : {1, 1036, 1252}) {  // a position, a language, a code page
             FailEachInBalance(
                 files::ToUtf8Lossy(method.name) + " with " + std::to_string(number),
-                [&] { return CallDescribed(method, object, text.Get(), number); },
-                S_FALSE);  // folding may give a part
+                [&] { return CallDescribed(method, object, text.Get(), number); }, documented);
             ASSERT_FALSE(::testing::Test::HasFailure());
         }
     }
@@ -220,6 +222,41 @@ TEST(Allocations, Collections) {
     FailEachInBalance("The life of a set, a stack, a dictionary and a sort",
                       [&] { return LiveWithCollections(text.Get(), compare); });
     ReleaseHandle(compare);
+}
+
+TEST(Allocations, ItdClasses) {
+    char16_t open[] = u"OpenITDFile";
+    FailObject(CLSID_ITDReader, IID_IITDReader, open);
+    const TemporaryFolder folder;
+    const Bstr reference(folder.Path(u"a.itd")), copy(folder.Path(u"b.itd"));
+    WriteItdFile(reference.Text(), SampleTextPart());
+    const std::string before = ReadFile(reference.Text());
+    WriteFile(copy.Text(), before);
+    ComPtr<IITDReader> reader;
+    ComPtr<IITDWriter> writer;
+    ASSERT_EQ(CoCreateInstance(CLSID_ITDReader, nullptr, 1, IID_IITDReader, reader.OutVoid()),
+              S_OK);
+    ASSERT_EQ(CoCreateInstance(CLSID_ITDWriter, nullptr, 1, IID_IITDWriter, writer.OutVoid()),
+              S_OK);
+    FailEach(
+        "OpenITDFile", [&] { return reader->OpenITDFile(reference.Get()); },
+        itderrUnableToAccessZip);
+    const Bstr text(u"a{1}b");
+    FailEachMethod(DescribeITDReader(), reader.Get(), reference, itderrUnableToAccessZip);
+    FailEachMethod(DescribeITDWriter(), writer.Get(), reference, itderrUnableToAccessZip);
+    FailEach(
+        "OpenReferenceITD, Next and WriteToFile",
+        [&] {
+            HRESULT status = writer->OpenReferenceITD(reference.Get());
+            for (int i = 0; i < 2 && status == S_OK; ++i) {
+                status = std::min(status, writer->put_TargetText(text.Get()));
+                status = std::min(status, writer->AddTargetCode(1, text.Get()));
+                status = std::min(status, writer->Next());
+            }
+            return status == S_OK ? writer->WriteToFile(copy.Get()) : status;
+        },
+        itderrUnableToAccessZip);
+    EXPECT_EQ(ReadFile(reference.Text()), before);
 }
 
 class HelperUnderFire : public ::testing::Test {

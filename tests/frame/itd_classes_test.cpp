@@ -42,8 +42,9 @@ class ItdClassesTest : public testing::Test {
         }
         EXPECT_EQ(reader->get_Status(&status), S_OK);
         EXPECT_EQ(reader->get_Score(&score), S_OK);
-        EXPECT_EQ(score, status / 4.0);
-        return all + u"|" + Decimal(status) + u"|" + Text(&IITDReader::get_Comment);
+        return all + u"|" + Decimal(status) +
+               (score == status / 4.0 ? u"|" : u" with another score|") +
+               Text(&IITDReader::get_Comment);
     }
     TemporaryFolder folder;
     Bstr path{folder.Path(u"a.itd")};
@@ -204,10 +205,10 @@ TEST_F(ItdClassesTest, FailuresHaveTheirWords) {
 }
 
 /// Whatever is wrong with a file, it is told in a documented way, and what can be opened can be
-/// walked to its end.
+/// walked to its end and written into a copy.
 TEST_F(ItdClassesTest, DamagedFilesAreToldOrWalked) {
     const auto check = [&](const std::string& file) {
-        WriteFile(path.Text(), file);
+        WriteNewFile(path.Text(), file);
         SetErrorInfo(0, nullptr);
         const HRESULT status = reader->OpenITDFile(path.Get());
         const std::u16string report = Report();
@@ -217,6 +218,12 @@ TEST_F(ItdClassesTest, DamagedFilesAreToldOrWalked) {
             while (reader->Next(&more) == S_OK && more != VARIANT_FALSE) {
             }
             EXPECT_EQ(more, VARIANT_FALSE);
+            WriteNewFile(copy.Text(), file);
+            EXPECT_EQ(writer->OpenReferenceITD(path.Get()), S_OK);
+            EXPECT_EQ(writer->put_TargetText(Bstr(u"x{1}").Get()), S_OK);
+            EXPECT_EQ(writer->Next(), S_OK);
+            EXPECT_EQ(writer->WriteToFile(copy.Get()), S_OK);
+            EXPECT_EQ(ReadFile(path.Text()), file);
             return true;
         }
         EXPECT_EQ(report, status == ErrorInvalidData ? u"nothing"

@@ -15,9 +15,15 @@ namespace generalutilities {
 /// Where the length of the compressed text part stands in the files that are written here.
 inline constexpr std::uint32_t SampleLengthOffset = 25 + 2 + 3;
 
+/// A new file each time: to empty one that is there makes some file systems wait for the disk.
+inline void WriteNewFile(const std::u16string& path, std::string_view bytes) {
+    std::filesystem::remove(path);
+    WriteFile(path, bytes);
+}
+
 inline void WriteItdFile(const std::u16string& path, std::string_view textPart) {
     using namespace std::string_literals;
-    WriteFile(path, "SDLXARCH\2\0\0\0v1\3\0\0\0fffopaque..\xF0\0\0\0\0"s);
+    WriteNewFile(path, "SDLXARCH\2\0\0\0v1\3\0\0\0fffopaque..\xF0\0\0\0\0"s);
     std::uint32_t packed = 0;
     ASSERT_EQ(PackTextPart(path, SampleLengthOffset + 4, textPart, packed), S_OK);
     ASSERT_EQ(CloseTextPart(path, SampleLengthOffset, packed, TextPartTrailer(textPart)), S_OK);
