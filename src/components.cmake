@@ -17,3 +17,6 @@ generalutilities_library(gu-collections-components
           collections/sort_component.cpp collections/dictionary_component.cpp
           collections/dictionary_keys.cpp collections/dictionary_table.cpp
   LINK gu-frame gu-collections)
+generalutilities_library(gu-drawing-components
+  SOURCES drawing/device_contexts.cpp drawing/draw_text_component.cpp
+  LINK gu-frame gu-drawing)

@@ -9,20 +9,24 @@
 
 namespace generalutilities {
 
-HRESULT ReportError(REFCLSID clsid, const char16_t* text, REFIID iid, HRESULT status) {
+HRESULT ReportFailure(const char16_t* source, const char16_t* text, REFIID iid, HRESULT status) {
     ComPtr<ICreateErrorInfo> created;
     if (Succeeded(CreateErrorInfo(created.Out()))) {
         created->SetGUID(iid);
-        char16_t* source = nullptr;
-        if (Succeeded(ProgIDFromCLSID(clsid, &source)) && source != nullptr) {
-            created->SetSource(source);
-            CoTaskMemFree(source);
-        }
+        created->SetSource(const_cast<char16_t*>(source));
         created->SetDescription(const_cast<char16_t*>(text));
         if (const auto error = created.As<IErrorInfo>(IID_IErrorInfo)) {
             SetErrorInfo(0, error.Get());
         }
     }
+    return status;
+}
+
+HRESULT ReportError(REFCLSID clsid, const char16_t* text, REFIID iid, HRESULT status) {
+    char16_t* source = nullptr;
+    ProgIDFromCLSID(clsid, &source);
+    ReportFailure(source, text, iid, status);
+    CoTaskMemFree(source);
     return status == S_OK ? DISP_E_EXCEPTION : status;
 }
 

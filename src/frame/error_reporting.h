@@ -4,6 +4,10 @@
 
 namespace generalutilities {
 
+/// Puts an error object with source, text and interface into the slot of the calling thread, and
+/// gives `status` back. When none can be made the description is lost, not the status.
+HRESULT ReportFailure(const char16_t* source, const char16_t* text, REFIID iid, HRESULT status);
+
 /// The one way in which a class hands a description to its caller: puts an error object with the
 /// text, the class's ProgID as source, and the interface into the slot of the calling thread.
 ///

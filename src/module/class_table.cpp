@@ -10,6 +10,7 @@
 #include "collections/long_stack_component.h"
 #include "collections/scripting_dictionary_component.h"
 #include "collections/sort_component.h"
+#include "drawing/draw_text_component.h"
 #include "extview/ext_view_helper_component.h"
 #include "extview/text_file_component.h"
 #include "itd/itd_reader_component.h"
@@ -27,7 +28,7 @@ namespace {
 
 constexpr ClassRow Rows[] = {
     {u"UDrawText", CLSID_UDrawText, u"IUDrawText", nullptr, u"UDrawText Class", TYPEFLAG_FCANCREATE,
-     nullptr},
+     CreateStandalone<CUDrawText>},
     {u"LongSet", CLSID_LongSet, u"ILongSet", nullptr, u"LongSet Class", TYPEFLAG_FCANCREATE,
      CreateAggregable<CLongSet>},
     {u"StringUtils", CLSID_StringUtils, u"IStringUtils", nullptr, u"StringUtils Class",
@@ -148,8 +149,7 @@ HRESULT GetPublicClassFactory(REFCLSID clsid, REFIID iid, void** object) {
     *object = nullptr;
     for (std::size_t i = 0; i < std::size(Rows); ++i) {
         if (Rows[i].clsid == clsid) {
-            return Rows[i].create == nullptr ? CLASS_E_CLASSNOTAVAILABLE
-                                             : FactoryInSlot(i, Rows[i].create, iid, object);
+            return FactoryInSlot(i, Rows[i].create, iid, object);
         }
     }
     return CLASS_E_CLASSNOTAVAILABLE;

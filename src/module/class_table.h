@@ -20,7 +20,7 @@ struct ClassRow {
     const char16_t* sourceInterface;  ///< of its events, or null
     const char16_t* help;             ///< in the type library
     std::uint16_t typeFlags;
-    Creator create;  ///< null for a class that is not available yet
+    Creator create;
 };
 
 /// The rows, in the order in which they are searched and registered.

@@ -6,6 +6,7 @@
 #include <generalutilities/interfaces/class_ids.h>
 
 #include "extview/project_database_component.h"
+#include "frame/error_reporting.h"
 #include "frame/module_lock.h"
 #include "module/class_table.h"
 #include "module/registration.h"
@@ -62,16 +63,9 @@ bool IsOwnModule(const std::string& path) {
 
 /// Leaves the reason why a project could not be opened for the caller.
 HRESULT ReportDatabaseFailure(const DatabaseFailure& failure) {
-    ComPtr<ICreateErrorInfo> created;
-    if (Succeeded(CreateErrorInfo(created.Out()))) {
-        created->SetGUID(IID_IProjectDatabase);
-        created->SetSource(const_cast<char16_t*>(failure.source.c_str()));
-        created->SetDescription(const_cast<char16_t*>(failure.description.c_str()));
-        if (const auto error = created.As<IErrorInfo>(IID_IErrorInfo)) {
-            SetErrorInfo(0, error.Get());
-        }
-    }
-    return failure.kind == DatabaseFailure::Kind::OutOfMemory ? E_OUTOFMEMORY : E_FAIL;
+    return ReportFailure(
+        failure.source.c_str(), failure.description.c_str(), IID_IProjectDatabase,
+        failure.kind == DatabaseFailure::Kind::OutOfMemory ? E_OUTOFMEMORY : E_FAIL);
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 // What clients in other languages lay out and count by hand: sizes, offsets, places in tables.
 
+#include <generalutilities/automation/device_context.h>
 #include <generalutilities/automation/dictionary.h>
 #include <generalutilities/automation/type_information.h>
 
@@ -22,6 +23,8 @@ GENERALUTILITIES_OFFSET(SAFEARRAY, cLocks, 8);
 GENERALUTILITIES_OFFSET(SAFEARRAY, pvData, 16);
 static_assert(sizeof(SAFEARRAYBOUND) == 8 && sizeof(SAFEARRAY) == 24 + 8);
 static_assert(sizeof(tagRECT) == 16 && offsetof(tagRECT, bottom) == 12);
+static_assert(sizeof(LOGFONT) == 60 && offsetof(LOGFONT, lfFaceName) == 28);
+static_assert(sizeof(DeviceContextPixels) == 24);
 static_assert(sizeof(DISPPARAMS) == 24 && offsetof(DISPPARAMS, cNamedArgs) == 20);
 GENERALUTILITIES_OFFSET(EXCEPINFO, bstrSource, 8);
 GENERALUTILITIES_OFFSET(EXCEPINFO, dwHelpContext, 32);

@@ -6,6 +6,7 @@
 #include <generalutilities/interfaces/class_ids.h>
 #include <generalutilities/interfaces/code_page_helper.h>
 #include <generalutilities/interfaces/collections.h>
+#include <generalutilities/interfaces/draw_text.h>
 #include <generalutilities/interfaces/ext_view_helper.h>
 #include <generalutilities/interfaces/itd.h>
 #include <generalutilities/interfaces/string_utils.h>
@@ -53,8 +54,7 @@ TEST(ClassObjectTest, AnswersByTheClassTable) {
     EXPECT_EQ(DllGetClassObject(CLSID_StringUtils, IID_IDispatch, &object), E_NOINTERFACE);
     EXPECT_EQ(object, nullptr);
     // The writer of export files and the dictionary are services of the library, not its classes.
-    for (const CLSID* clsid :
-         {&CLSID_UDrawText, &CLSID_Dictionary, &IID_IUnknown, &CLSID_TextFileFactory}) {
+    for (const CLSID* clsid : {&CLSID_Dictionary, &IID_IUnknown, &CLSID_TextFileFactory}) {
         object = &first;
         EXPECT_EQ(DllGetClassObject(*clsid, IID_IClassFactory, &object), CLASS_E_CLASSNOTAVAILABLE);
         EXPECT_EQ(object, nullptr);
@@ -75,7 +75,8 @@ TEST(ClassObjectTest, ObjectsOfferTheirInterfacesAndNoOther) {
                               &IID_IUnknown,          &IID_IDispatch,
                               &IID_ISupportErrorInfo, &IID_IConnectionPointContainer,
                               &IID_IClassFactory,     &DIID__IExtViewHelperEvents,
-                              &IID_IITDReader,        &IID_IITDWriter};
+                              &IID_IITDReader,        &IID_IITDWriter,
+                              &IID_IUDrawText};
     const Row table[] = {
         {CLSID_StringUtils, &IID_IStringUtils, true},
         {CLSID_ExtViewHelper, &IID_IExtViewHelper, true, true},
@@ -87,6 +88,7 @@ TEST(ClassObjectTest, ObjectsOfferTheirInterfacesAndNoOther) {
         {CLSID_Dictionary, &IID_IDictionary, false},
         {CLSID_ITDReader, &IID_IITDReader, true},
         {CLSID_ITDWriter, &IID_IITDWriter, true},
+        {CLSID_UDrawText, &IID_IUDrawText, false},
     };
     for (const auto& row : table) {
         const auto object = Create<IUnknown>(row.clsid, IID_IUnknown);
