@@ -109,7 +109,9 @@ bool HasNothing(const char16_t* block) {
     std::uint16_t found = 0;
     for (std::size_t i = 0; i < BlockSize; ++i) {
         const std::uint16_t unit = block[i];
-        const bool smallOnes = static_cast<std::uint16_t>(unit - 0x00B2) <= 0x00BE - 0x00B2;
+        // The middle dot between them is a mark of Greek and Catalan.
+        const int smallOnes = (static_cast<std::uint16_t>(unit - 0x00B2) <= 0x00BE - 0x00B2) &
+                              static_cast<int>(unit != 0x00B7);
         const bool punctuation = static_cast<std::uint16_t>(unit - 0x1950) < 0x2070 - 0x1950;
         found = static_cast<std::uint16_t>(
             found | (smallOnes | ((unit >= 0x0660) & static_cast<int>(!punctuation))));
