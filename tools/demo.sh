@@ -57,6 +57,20 @@ done
 heading "The project afterwards"
 expect 0 "$genutil" project info "$project"
 
+heading "Bilingual documents: segments out to a translator, and translations into a copy"
+tools/make_itd_samples.py "$out/itd" ja-JP de-DE
+document=$out/itd/ja-JP.itd
+expect 0 "$genutil" itd info "$document"
+expect 0 "$genutil" itd segments "$document"
+expect 0 "$genutil" itd extract "$document" -o "$out/itd/ja-JP.xlf"
+echo "The translator, in a tool of their own: one wording changed, one code lost."
+sed -e 's/ようこそ！/いらっしゃいませ。/' -e '/<target>/s/<ph id="3">&lt;\/key&gt;<\/ph>//' \
+    "$out/itd/ja-JP.xlf" >"$out/itd/ja-JP-translated.xlf"
+# Exit code 1: the row that lost a code is refused, and named.
+expect 1 "$genutil" itd apply "$document" "$out/itd/ja-JP-translated.xlf" \
+    -o "$out/itd/ja-JP-translated.itd"
+expect 0 "$genutil" itd segments "$out/itd/ja-JP-translated.itd"
+
 heading "What was made"
 cat <<END
   $project
@@ -65,4 +79,6 @@ cat <<END
       the tables that went out and came back, for ${languages[*]}
   $out/LANGUAGE-report.html
       what became of every row of the reviewed tables, changes marked
+  $out/itd/
+      bilingual documents, one in XLIFF for a translator, and the document with its translations
 END

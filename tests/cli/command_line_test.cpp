@@ -64,7 +64,7 @@ TEST(CommandLine, HelpSuffices) {
     EXPECT_THAT(Genutil({"--version"}).output, HasSubstr("genutil 0."));
     EXPECT_THAT(Genutil({"--help"}).output, HasSubstr("Exit codes: 0 done"));
     for (const std::string command : {"export", "import", "review", "accept", "project", "text",
-                                      "codepage", "tags", "classes", "register", "unregister"}) {
+                                      "codepage", "tags", "itd", "classes", "register", "unregister"}) {
         const Result result = Genutil({command, "--help"});
         EXPECT_EQ(result.exitCode, 0) << command;
         EXPECT_THAT(result.output, HasSubstr("Usage: genutil " + command)) << command;

@@ -88,6 +88,24 @@ TEST_F(ItdCommands, ApplyWhatWasExtracted) {
     }
 }
 
+/// The samples have both kinds of header, both places of the status table, columns in both orders
+/// and codes that stand elsewhere in the translation.
+TEST_F(ItdCommands, SamplesGoRoundUnchanged) {
+    ASSERT_EQ(cli_test::Run(SAMPLE_MAKER, {folder / "samples"}).exitCode, 0);
+    int files = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(folder / "samples")) {
+        const std::string sample = entry.path();
+        const std::string rows = folder / (std::to_string(++files) + ".xlf");
+        EXPECT_EQ(Genutil({"itd", "extract", sample, "-o", rows}).exitCode, 0);
+        const Result result = Genutil({"itd", "apply", sample, rows, "-o", rows + ".itd"});
+        EXPECT_THAT(result.output,
+                    HasSubstr(" 0 applied, 5 unchanged, 2 without a translation, 0 "));
+        EXPECT_EQ(Genutil({"itd", "unpack", rows + ".itd"}).output,
+                  Genutil({"itd", "unpack", sample}).output);
+    }
+    EXPECT_EQ(files, 8);
+}
+
 TEST_F(ItdCommands, RefusedRowsAreNamedAndTheRestIsApplied) {
     const std::string rows =
         "segment\tsource\ttarget\n1\t\tx\n2\ta\\{b\\\\\tc\\{d\n1\tone{1}two\tno code\n9\t\tx\n";
