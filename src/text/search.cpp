@@ -325,12 +325,12 @@ bool StandsAlone(std::u16string_view text, const TextMatch& match) {
 
 std::optional<TextMatch> FindText(std::u16string_view text, std::u16string_view sought,
                                   std::size_t start, SearchOptions options, bool vectors) {
+    std::optional<TextMatch> result;  // the only thing returned, so that it is made in its place
     if (start >= text.size()) {
-        return std::nullopt;
+        return result;
     }
     const std::u16string_view units =
         options.matchCase ? sought.substr(0, sought.find(u'\0')) : sought;
-    std::optional<TextMatch> result;
     const auto accept = [&](TextMatch match) {
         if (options.matchCase) {
             match.length = sought.size();
