@@ -1,54 +1,17 @@
 #include "component_client.h"
 
+#include <generalutilities/automation/client.h>
+
 #include "failure.h"
 #include "unicode.h"
 
-#include <cstdio>
-
 namespace generalutilities::cli {
-namespace {
-
-/// What a status means where the library left no words about it.
-std::string StatusText(HRESULT status) {
-    switch (status) {
-        case E_NOTIMPL:
-            return "this is not implemented yet";
-        case E_POINTER:
-        case E_INVALIDARG:
-            return "an argument was refused";
-        case E_OUTOFMEMORY:
-            return "out of memory";
-        case CLASS_E_CLASSNOTAVAILABLE:
-            return "the library does not have this class yet";
-        case REGDB_E_CLASSNOTREG:
-            return "the class is unknown";
-        default:
-            return "the library gave no words for this failure";
-    }
-}
-
-}  // namespace
-
 void Check(HRESULT status, std::string_view doing) {
     if (Succeeded(status)) {
         return;
     }
-    std::string description;
-    std::string source = "GeneralUtilities";
-    ComPtr<IErrorInfo> error;
-    if (GetErrorInfo(0, error.Out()) == S_OK && error) {
-        Bstr text;
-        if (Succeeded(error->GetDescription(text.Out()))) {
-            description = ToUtf8(text.View());
-        }
-        if (Succeeded(error->GetSource(text.Out())) && !text.View().empty()) {
-            source = ToUtf8(text.View());
-        }
-    }
-    if (description.empty()) {
-        description = StatusText(status);
-    }
-    throw Failure(std::string(doing) + ": " + description, source, status);
+    const ComponentError failure = TakeFailure(status);
+    throw Failure(std::string(doing) + ": " + failure.what(), failure.Source(), status);
 }
 
 OpenProject OpenProjectFile(const std::string& path) {

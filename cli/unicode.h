@@ -1,5 +1,7 @@
 #pragma once
 
+#include <generalutilities/utf8.h>
+
 #include <cstddef>
 #include <optional>
 #include <string>
@@ -12,11 +14,12 @@ namespace generalutilities::cli {
 /// surrogates and values above U+10FFFF are ill-formed too); nothing when there is none.
 std::optional<std::size_t> FindInvalidUtf8(std::string_view text);
 
-/// Converts well-formed UTF-8. Each ill-formed byte becomes U+FFFD.
-std::u16string ToUtf16(std::string_view text);
+using generalutilities::ToUtf8;
 
-/// Converts to UTF-8; an unpaired surrogate becomes U+FFFD.
-std::string ToUtf8(std::u16string_view text);
+/// Each ill-formed byte becomes U+FFFD.
+inline std::u16string ToUtf16(std::string_view text) {
+    return FromUtf8(text);
+}
 
 /// A command line argument as UTF-16. `name` is the argument as the user knows it; ill-formed UTF-8
 /// is a `UsageError` that names the argument and the byte.

@@ -1,13 +1,12 @@
 #include "commands/export_command.h"
 
+#include <generalutilities/automation/progress_events.h>
 #include <generalutilities/interfaces/class_ids.h>
-#include <generalutilities/interfaces/ext_view_helper.h>
 #include <generalutilities/project/contents.h>
 #include <generalutilities/project/review_report.h>
 
 #include "commands/export_options.h"
 #include "component_client.h"
-#include "event_connection.h"
 #include "extview/row_selection.h"
 #include "failure.h"
 #include "language.h"
@@ -114,7 +113,7 @@ void RunComponent(CommandContext& context, const OpenProject& project,
     Check(helper->put_TargetFont(Bstr(ToUtf16(look.targetFont)).Get()), "setting the target font");
 
     ProgressDisplay display(context.console, options.progress, "exporting");
-    const EventConnection events(helper, [&](int percent) { display.Update(percent); });
+    const ProgressConnection events(helper, [&](int percent) { display.Update(percent); });
     const Bstr destination(ArgumentToUtf16("--output", path));
     const Bstr orderBy(ArgumentToUtf16("--order-by", options.orderBy));
     SetErrorInfo(0, nullptr);

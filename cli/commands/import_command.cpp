@@ -1,12 +1,11 @@
 #include "commands/import_command.h"
 
+#include <generalutilities/automation/progress_events.h>
 #include <generalutilities/extview/export_options.h>
 #include <generalutilities/interfaces/class_ids.h>
-#include <generalutilities/interfaces/ext_view_helper.h>
 #include <generalutilities/project/review_report.h>
 
 #include "component_client.h"
-#include "event_connection.h"
 #include "failure.h"
 #include "language.h"
 #include "output_file.h"
@@ -191,7 +190,7 @@ void Store(CommandContext& context, const OpenProject& project, const ImportOpti
            const ReviewSummary& summary) {
     {
         ProgressDisplay display(context.console, options.progress, "importing");
-        const EventConnection events(helper, [&](int percent) { display.Update(percent); });
+        const ProgressConnection events(helper, [&](int percent) { display.Update(percent); });
         const Bstr file(reviewed.Path());
         SetErrorInfo(0, nullptr);
         Check(helper->ImportExternalView(project.object.Get(), file.Get(), langId,
