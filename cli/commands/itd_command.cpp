@@ -1,7 +1,7 @@
 #include "commands/itd_command.h"
 
 #include <generalutilities/itd/archive.h>
-#include <generalutilities/itd/text_part.h>
+#include <generalutilities/itd/itd_file.h>
 
 #include "byte_input.h"
 #include "commands/itd_documents.h"
@@ -26,23 +26,6 @@ struct FileOptions {
     std::string like;
     bool force = false;
 };
-
-[[noreturn]] void Fail(const std::string& path, HRESULT status) {
-    const std::string words = status == ErrorInvalidData ? "the compressed text part is damaged"
-                              : status == ErrorFileTooLarge
-                                  ? "the text part is larger than any document"
-                              : status == ErrorDiskFull ? "the disk is full"
-                              : status >= itderrUnableToOpenFile && status <= itderrTextParsing
-                                  ? ToUtf8(ItdErrorText(status))
-                                  : std::strerror(errno);
-    throw Failure(path + ": " + words, "genutil", status);
-}
-
-void Require(const std::string& path, HRESULT status) {
-    if (Failed(status)) {
-        Fail(path, status);
-    }
-}
 
 void WriteBytes(const std::string& path, std::string_view bytes) {
     std::ofstream stream(path, std::ios::binary);
@@ -71,17 +54,7 @@ ExitCode RunUnpack(CommandContext& context, const FileOptions& options) {
         file.emplace(options.output, options.force);
     }
     ItdArchiveHeader header;
-    Require(options.input, ReadArchiveHeader(path, header));
-    std::unique_ptr<char[]> room;
-    std::size_t size = 0;
-    const auto give = [&room](std::size_t most) {
-        room.reset();
-        room = std::make_unique_for_overwrite<char[]>(most);
-        return room.get();
-    };
-    Require(options.input,
-            UnpackTextPart(path, header.TextPartOffset(), header.compressedLength, give, size));
-    const std::string_view bytes(room.get(), size);
+    const std::string bytes = ReadItdTextPart(path, header);
     if (TextPartTrailer(bytes) != header.trailerValue) {
         context.console.Warn(options.input +
                              ": the value behind the text part is not its check sum");
@@ -103,7 +76,7 @@ std::string EnvelopeStart(const std::string& like) {
         return std::string("SDLXARCH\3\0\0\0", 12) + "1.0" + std::string(13, '\0');
     }
     ItdArchiveHeader header;
-    Require(like, ReadArchiveHeader(ArgumentToUtf16("--like", like), header));
+    ReadItdTextPart(ArgumentToUtf16("--like", like), header);
     return ReadInput(like).substr(0, header.lengthFieldOffset);
 }
 
@@ -119,8 +92,13 @@ ExitCode RunPack(CommandContext& context, const FileOptions& options) {
     const std::u16string path = ToUtf16(file.Path());
     const auto lengthField = static_cast<std::uint32_t>(start.size());
     std::uint32_t packed = 0;
-    Require(options.output, PackTextPart(path, lengthField + 4, bytes, packed));
-    Require(options.output, CloseTextPart(path, lengthField, packed, TextPartTrailer(bytes)));
+    HRESULT status = PackTextPart(path, lengthField + 4, bytes, packed);
+    if (Succeeded(status)) {
+        status = CloseTextPart(path, lengthField, packed, TextPartTrailer(bytes));
+    }
+    if (Failed(status)) {
+        throw Failure("writing " + options.output + ": " + std::strerror(errno), "genutil", status);
+    }
     file.Commit();
     return ExitCode::Done;
 }

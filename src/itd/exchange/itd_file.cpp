@@ -38,22 +38,6 @@ std::string WordsOf(HRESULT status) {
     }
 }
 
-std::string UnpackedTextPart(std::u16string_view path, const ItdArchiveHeader& archive) {
-    std::unique_ptr<char[]> room;
-    std::size_t size = 0;
-    const HRESULT status = UnpackTextPart(
-        path, archive.TextPartOffset(), archive.compressedLength,
-        [&room](std::size_t most) {
-            room = std::make_unique_for_overwrite<char[]>(most);
-            return room.get();
-        },
-        size);
-    if (Failed(status)) {
-        Fail(path, status, WordsOf(status));
-    }
-    return {room.get(), size};
-}
-
 /// The bytes of the reference before the compressed ones.
 void CopyEnvelope(std::u16string_view reference, const ItdArchiveHeader& archive,
                   files::FileWriter& copy, std::u16string_view path) {
@@ -80,12 +64,29 @@ bool SameRecords(const std::vector<ItdSegment>& a, const std::vector<ItdSegment>
 
 }  // namespace
 
-ItdFile ReadItdFile(std::u16string_view path) {
-    ItdFile file;
-    if (const HRESULT status = ReadArchiveHeader(path, file.archive); Failed(status)) {
+std::string ReadItdTextPart(std::u16string_view path, ItdArchiveHeader& archive) {
+    std::unique_ptr<char[]> room;
+    std::size_t size = 0;
+    HRESULT status = ReadArchiveHeader(path, archive);
+    if (Succeeded(status)) {
+        status = UnpackTextPart(
+            path, archive.TextPartOffset(), archive.compressedLength,
+            [&room](std::size_t most) {
+                room.reset();
+                room = std::make_unique_for_overwrite<char[]>(most);
+                return room.get();
+            },
+            size);
+    }
+    if (Failed(status)) {
         Fail(path, status, WordsOf(status));
     }
-    const std::string bytes = UnpackedTextPart(path, file.archive);
+    return {room.get(), size};
+}
+
+ItdFile ReadItdFile(std::u16string_view path) {
+    ItdFile file;
+    const std::string bytes = ReadItdTextPart(path, file.archive);
     if (ParseTextHeader(bytes, file.header) != ItdParse::Complete) {
         Fail(path, itderrWrongTextHeader, "the header of the text part has an unknown form");
     }
