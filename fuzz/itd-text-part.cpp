@@ -1,7 +1,8 @@
 // A text part from outside. What can be read can be written, and takes no more room than it did but
 // for the marks of comments, and a section word and a head that were found in what stands before.
+// And it can be walked, whichever column is longer.
 
-#include <generalutilities/itd/text_part.h>
+#include <generalutilities/itd/document_walk.h>
 
 #include "text_input.h"
 
@@ -33,5 +34,15 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     constexpr std::size_t WordAndHead = 6 + sizeof(ItdBlock);
     Require(written.size() <= size + 2 * document.commentStrings.size() + WordAndHead);
     Require(written.starts_with(document.headerBytes) && written.ends_with(document.footerBytes));
+    ItdWalk walk;
+    walk.Open(std::move(document));
+    for (const std::size_t count : {walk.SegmentCount(), walk.Document().targetSegments.size()}) {
+        std::size_t steps = 1;
+        for (walk.Restart(); walk.Next(); ++steps) {
+            Require(!walk.Current().source.codes.empty());
+        }
+        Require(steps == count);
+        walk.ReverseLanguages();
+    }
     return 0;
 }
