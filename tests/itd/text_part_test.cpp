@@ -12,11 +12,8 @@ namespace {
 using namespace std::string_literals;
 using namespace std::string_view_literals;
 
-void ExpectSameSegments(std::span<const ItdSegment> a, std::span<const ItdSegment> b) {
-    ASSERT_EQ(a.size(), b.size());
-    for (std::size_t i = 0; i < a.size(); ++i) {
-        ASSERT_EQ(a[i].Stored(), b[i].Stored()) << i;
-    }
+bool SameSegments(std::span<const ItdSegment> a, std::span<const ItdSegment> b) {
+    return std::ranges::equal(a, b, {}, &ItdSegment::Stored, &ItdSegment::Stored);
 }
 
 /// Whether bytes that are no marker stand where the format takes them for one.
@@ -53,8 +50,8 @@ TEST(TextPart, WhatIsWrittenIsReadBack) {
         ItdDocument again;
         ASSERT_EQ(ParseTextPart(stream, header.statusEntryCount, again), ItdParse::Complete);
         ASSERT_EQ(again.headerBytes, document.headerBytes);
-        ExpectSameSegments(again.sourceSegments, document.sourceSegments);
-        ExpectSameSegments(again.targetSegments, document.targetSegments);
+        ASSERT_TRUE(SameSegments(again.sourceSegments, document.sourceSegments));
+        ASSERT_TRUE(SameSegments(again.targetSegments, document.targetSegments));
         ASSERT_EQ(again.commentStrings, document.commentStrings);
         ASSERT_EQ(again.sectionWord, document.sectionWord);
         ASSERT_EQ(again.gapBytes, "");
@@ -161,38 +158,25 @@ TEST(TextHeader, WideStringsAreSkippedInEachForm) {
 TEST(TextPart, DamageIsRefusedOrHarmless) {
     std::mt19937 random(7);
     for (int i = 0; i < 20; ++i) {
-        ItdDocument document = RandomDocument(random);
+        const ItdDocument document = RandomDocument(random);
         const std::string stream = SerializeTextPart(document);
-        if (stream.size() > 2000) {
-            continue;
-        }
-        const std::size_t end = stream.size() - document.footerBytes.size();
         const auto entries = static_cast<std::uint32_t>(document.statusEntries.size());
-        const auto parse = [&](std::string_view bytes) {
-            ItdTextHeader header;
-            ParseTextHeader(bytes, header);
-            const ItdParse result = ParseTextPart(bytes, entries, document);
-            if (result == ItdParse::Complete) {
-                SerializeTextPart(document);
-            } else {
-                EXPECT_TRUE(result == ItdParse::NoTextPart || result == ItdParse::FaultyStream);
-            }
-            return result;
-        };
-        for (std::size_t at = 0; at < stream.size(); ++at) {
-            parse(stream.substr(0, at));
+        // A status table behind the last record is wanted whole.
+        const std::size_t wanted = stream.size() - (entries == 0 ? document.footerBytes.size() : 0);
+        ItdDocument again;
+        EXPECT_EQ(ParseTextPart(stream, 0xFFFFFFFF, again), ItdParse::FaultyStream);
+        for (std::size_t at = 0; at < stream.size() && stream.size() < 2000; ++at) {
+            EXPECT_EQ(ParseTextPart(stream.substr(0, at), entries, again) == ItdParse::Complete,
+                      at >= wanted);
             for (const std::string_view damage : {"\0"sv, "\xFF"sv, "\xFF\xFE"sv, "\xFF\xFF"sv,
                                                   "\xFF\xFF\xFF\x7F"sv, "\xFF\xFF\xFF\xFF"sv}) {
                 std::string bytes = stream;
                 bytes.replace(at, damage.size(), damage);
-                parse(bytes);
-                bytes = stream;
-                parse(bytes.insert(at, damage));
+                if (ParseTextPart(bytes, entries, again) == ItdParse::Complete) {
+                    SerializeTextPart(again);
+                }
             }
         }
-        EXPECT_NE(parse(std::string_view(stream).substr(0, end - 1)), ItdParse::Complete);
-        ItdDocument unread;
-        EXPECT_EQ(ParseTextPart(stream, 0xFFFFFFFF, unread), ItdParse::FaultyStream);
     }
 }
 
