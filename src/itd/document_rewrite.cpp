@@ -24,7 +24,7 @@ class RecordBuilder {
         waitsForText = true;
     }
 
-    void AddText(std::u16string text) {
+    void AddText(std::u16string_view text) {
         if (!waitsForText) {
             if (text.empty()) {
                 return;

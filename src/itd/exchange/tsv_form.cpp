@@ -37,7 +37,7 @@ class TsvWriter final : public ExchangeWriter {
 
   private:
     static std::string Cell(std::u16string_view text) {
-        const std::string plain = files::ToUtf8Lossy(text);
+        std::string plain = files::ToUtf8Lossy(text);
         if (plain.find_first_of("\t\r\n\"") == plain.npos) {
             return plain;
         }
