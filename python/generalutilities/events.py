@@ -23,6 +23,11 @@ _unadvise = Operation(6, c_uint32)
 _living = {}  # sinks that somebody holds, by address
 
 
+class _DispParams(ctypes.Structure):
+    _fields_ = [("arguments", c_void_p), ("named", c_void_p), ("count", c_uint32),
+                ("named_count", c_uint32)]
+
+
 class _Sink:
     def __init__(self, interface):
         self.interface = interface  # the identifier that it answers to
@@ -33,15 +38,10 @@ class _Sink:
         _living[self.address] = self
 
     def call(self, identifier, parameters):
-        arguments, _, count, _ = parameters
-        given = [values.load_at(arguments + (count - 1 - i) * values.SIZE) for i in range(count)]
+        given = [values.load_at(parameters.arguments + i * values.SIZE)
+                 for i in reversed(range(parameters.count))]  # the last argument stands first
         for function in tuple(self.functions.get(identifier, ())):
             function(*given)
-
-
-class _DispParams(ctypes.Structure):
-    _fields_ = [("arguments", c_void_p), ("named", c_void_p), ("count", c_uint32),
-                ("named_count", c_uint32)]
 
 
 def _query(this, iid, out):
@@ -74,8 +74,7 @@ def _type_count(this, count):
 
 @callbacks.guarded(_EXCEPTION)
 def _invoke(this, identifier, iid, locale, flags, parameters, result, exception, bad):
-    given = _DispParams.from_address(parameters)
-    _living[this].call(identifier, (given.arguments, given.named, given.count, given.named_count))
+    _living[this].call(identifier, _DispParams.from_address(parameters))
     return 0
 
 
