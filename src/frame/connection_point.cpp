@@ -125,6 +125,9 @@ void ConnectionPointContainer::Fire(DISPID event, std::int32_t first,
     });
 }
 
+// Here, and not where the header is included: this file alone calls the clients' sinks.
+ConnectionPointContainer::Point::~Point() = default;
+
 HRESULT ConnectionPointContainer::Point::QueryInterface(REFIID iid, void** object) noexcept {
     if (object == nullptr) {
         return E_POINTER;

@@ -28,6 +28,7 @@ class ConnectionPointContainer : public IConnectionPointContainer {
       public:
         Point(ConnectionPointContainer& owner, const IID& events)
             : container(owner), eventInterface(events) {}
+        ~Point();
 
         HRESULT QueryInterface(REFIID iid, void** object) noexcept override;
         std::uint32_t AddRef() noexcept override { return container.AddRef(); }
