@@ -14,21 +14,26 @@ from pathlib import Path
 from .errors import Error
 
 ENVIRONMENT_VARIABLE = "GENERALUTILITIES_LIBRARY"
-FILE_NAME = "libGeneralUtilities.so"
+FILE_NAMES = ("libGeneralUtilities.so.1", "libGeneralUtilities.so")
 
 
 def _load():
     """The environment variable decides alone; else the folder of the package, then the loader."""
     chosen = os.environ.get(ENVIRONMENT_VARIABLE)
-    if chosen and os.sep in chosen:
-        chosen = os.path.abspath(chosen)  # the program may go to another folder later
-    beside = Path(__file__).with_name(FILE_NAME)
-    path = chosen or (str(beside) if beside.exists() else FILE_NAME)
-    try:
-        return ctypes.CDLL(path)
-    except OSError as error:
-        raise ImportError(f"{error}; set {ENVIRONMENT_VARIABLE} to the path of {FILE_NAME}, put it "
-                          f"beside {Path(__file__).parent}, or install it for the loader") from None
+    if chosen:
+        # The program may go to another folder later.
+        candidates = [os.path.abspath(chosen) if os.sep in chosen else chosen]
+    else:
+        beside = [Path(__file__).with_name(name) for name in FILE_NAMES]
+        candidates = [str(path) for path in beside if path.exists()] or list(FILE_NAMES)
+    failures = []
+    for path in candidates:
+        try:
+            return ctypes.CDLL(path)
+        except OSError as error:
+            failures.append(str(error))
+    raise ImportError(f"{failures[0]}; set {ENVIRONMENT_VARIABLE} to the path of {FILE_NAMES[0]}, put "
+                      f"it into {Path(__file__).parent}, or install it for the loader")
 
 
 library = _load()

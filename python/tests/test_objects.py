@@ -30,7 +30,7 @@ class Finding(unittest.TestCase):
             command = [sys.executable, "-c", "import generalutilities"]
             missed = subprocess.run(command, cwd=folder, env=environment, capture_output=True)
             self.assertIn(b"set GENERALUTILITIES_LIBRARY to the path of lib", missed.stderr)
-            (Path(folder) / package.name / generalutilities.runtime.FILE_NAME).symlink_to(
+            (Path(folder) / package.name / generalutilities.runtime.FILE_NAMES[0]).symlink_to(
                 generalutilities.runtime.library_path())
             subprocess.run(command, cwd=folder, env=environment, check=True)
 
