@@ -226,6 +226,26 @@ std::vector<Goal> RegisterExport(SampleProject& project, const BareDatabase& bar
     return {{.row = "9a", .work = work, .limit = 0.8}};
 }
 
+/// The other formats beside the RTF table.
+std::vector<Goal> RegisterFormats(SampleProject& project) {
+    std::vector<Goal> goals;
+    const auto add = [&](const std::string& work,
+                         void (*write)(SampleProject&, std::int32_t, std::string_view)) {
+        Register(work + "/ours", [&project, write] {
+            write(project, 0, "other");
+            return 0;
+        });
+        Register(work + "/peer", [&project] {
+            ExportTable(project, 0, "table.rtf");
+            return 0;
+        });
+        goals.push_back({.row = "9a", .work = work, .peer = 1});
+    };
+    add("export a page instead of an RTF table", ExportTable<CHTMLExport>);
+    add("export a bilingual document instead of an RTF table", ExportTable<CExternalViewTWBExport>);
+    return goals;
+}
+
 /// Identifiers of random rows; a tenth of them do not exist.
 const std::vector<std::u16string>& SomeIds() {
     static const std::vector<std::u16string> ids = [] {
@@ -437,8 +457,8 @@ int Main(int argc, char** argv) {
     const BareDatabase bare(project);
     std::vector<Goal> goals;
     for (const auto& some :
-         {RegisterWalks(project, bare), RegisterExport(project, bare), RegisterSeek(project, bare),
-          RegisterInsert(project, bare), RegisterDuplicates()}) {
+         {RegisterWalks(project, bare), RegisterExport(project, bare), RegisterFormats(project),
+          RegisterSeek(project, bare), RegisterInsert(project, bare), RegisterDuplicates()}) {
         goals.insert(goals.end(), some.begin(), some.end());
     }
     RegisterMemory();

@@ -1,6 +1,7 @@
 // Reading an RTF table back, beside a copy of its bytes and, where it is installed, unrtf.
 
 #include "extview/rtf/rtf_import.h"
+#include "extview/rtf/twb_import.h"
 #include "ratios.h"
 #include "sample_project.h"
 
@@ -27,9 +28,10 @@ struct Table {
     std::size_t bytes = 0;
 };
 
-std::size_t ReadTable(const Table& table) {
-    CRTFImport reader;
-    reader.SetSource(table.path().u16string(), TargetLanguage);
+template <class Reader>
+std::size_t ReadRows(const std::filesystem::path& path) {
+    Reader reader;
+    reader.SetSource(path.u16string(), TargetLanguage);
     std::u16string id, source, target, comments;
     std::int32_t status = -1;
     std::size_t rows = 0;
@@ -39,6 +41,33 @@ std::size_t ReadTable(const Table& table) {
         }
     }
     return rows;
+}
+
+std::size_t ReadTable(const Table& table) {
+    return ReadRows<CRTFImport>(table.path());
+}
+
+/// Reading a bilingual document beside reading a table of as many bytes.
+std::vector<Goal> RegisterBilingual(const Table& table) {
+    static SampleProject project(table.bytes / 440, Duplicates::Some);
+    ExportTable<CExternalViewTWBExport>(project, 0, "document.rtf");
+    const std::filesystem::path path = project.Path("document.rtf");
+    const double size = static_cast<double>(FileContent(path).size());
+    const std::string work = "read a bilingual document of 20 MB";
+    benchmark::RegisterBenchmark((work + "/ours").c_str(), [=](benchmark::State& state) {
+        for ([[maybe_unused]] auto _ : state) {
+            benchmark::DoNotOptimize(ReadRows<CTWBImport>(path));
+        }
+        state.SetItemsProcessed(
+            static_cast<std::int64_t>(size * static_cast<double>(state.iterations())));
+    });
+    benchmark::RegisterBenchmark((work + "/peer").c_str(), [&table](benchmark::State& state) {
+        for ([[maybe_unused]] auto _ : state) {
+            benchmark::DoNotOptimize(ReadTable(table));
+        }
+    });
+    // The two files differ in size by a little; the time per byte of ours is the goal.
+    return {{.row = "10c", .work = work, .peer = static_cast<double>(table.bytes) / size / 1.3}};
 }
 
 /// Processor seconds, of this process or of its children that have ended.
@@ -104,6 +133,8 @@ int Main(int argc, char** argv) {
         });
         goals.push_back({.row = "10a", .work = work, .rate = 800});
     }
+    const std::vector<Goal> bilingual = RegisterBilingual(large);
+    goals.insert(goals.end(), bilingual.begin(), bilingual.end());
     const int result = Run(argc, argv, goals);
     CompareWithUnrtf(small, "1 MB");
     CompareWithUnrtf(large, "20 MB");

@@ -4,7 +4,9 @@
 #include <generalutilities/extview/export_options.h>
 #include <generalutilities/project/create.h>
 
+#include "extview/html_export.h"
 #include "extview/rtf_table_export.h"
+#include "extview/twb_export.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -130,9 +132,10 @@ class SampleProject {
 
 inline constexpr std::int32_t WholeProject = 0;
 
-/// Writes all rows of the project as an RTF table beside it.
-inline void ExportTable(SampleProject& project, std::int32_t options, std::string_view fileName) {
-    CExternalViewRTFExport writer;
+/// Writes all rows of the project beside it, as an RTF table or in another format.
+template <class Format = CExternalViewRTFExport>
+void ExportTable(SampleProject& project, std::int32_t options, std::string_view fileName) {
+    Format writer;
     writer.RunExport(project.Open(), project.Path(fileName).u16string(), WholeProject,
                      TargetLanguage, options | ShowIdColumn, u"", {});
 }

@@ -1,8 +1,9 @@
-// The preparation of a reviewed file: whatever the bytes are, the copy is changed only where
+// The preparation of a reviewed table: whatever the bytes are, the copy is changed only where
 // something was reported and can be read, with rows whose offsets lie in the reviewed file.
 
 #include "extview/rtf/prepare_review.h"
 #include "extview/rtf/rtf_import.h"
+#include "extview/rtf/twb_import.h"
 #include "rtf/memory_file.h"
 #include "text_input.h"
 
@@ -13,6 +14,10 @@ using generalutilities::testing::FileOf;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string file(reinterpret_cast<const char*>(data), size);
+    CTWBImport form;
+    if (form.Open(FileOf(file)) && form.Prepare() && form.IsBilingual()) {
+        return 0;  // the target bilingual-review
+    }
     std::string copy;
     std::uint64_t places = 0;
     const PreparedReview prepared = rtf::PrepareReview(

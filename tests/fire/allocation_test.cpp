@@ -22,6 +22,7 @@
 #include "rounds.h"
 
 #include <algorithm>
+#include <array>
 #include <functional>
 
 namespace generalutilities::fire {
@@ -309,25 +310,36 @@ TEST_F(HelperUnderFire, SmallMethods) {
 }
 
 TEST_F(HelperUnderFire, Import) {
+    TemporaryFolder folder;
+    const Bstr document(folder.Path(u"out.twb"));
+    ASSERT_EQ(helper->ExportExternalView(opened.Get(), document.Get(), 0, 1036, FormatTwb, nullptr,
+                                         1, 2, 3, 4, 5, 6, 7, 8, 9),
+              S_OK);
     const Contents before = project.Look();
-    const Bstr file(project.Reviewed());
-    FailEach("ImportExternalView",
-             [&] { return helper->ImportExternalView(opened.Get(), file.Get(), 1036, 0, 0); },
-             static_cast<HRESULT>(everrUnableToOpenFile),
-             {[&] { Open(); },
-              [&](HRESULT status) {
-                  const Contents now = project.Look();
-                  EXPECT_EQ(now.pairs, before.pairs);
-                  EXPECT_EQ(now.damage, before.damage);
-                  EXPECT_EQ(now.reimporting == before.reimporting, status != S_OK)
-                      << now.reimporting;
-              }});
+    const Bstr table(project.Reviewed());
+    for (const auto& [file, format] :
+         {std::pair(&table, 0), std::pair(&document, int{FormatTwb})}) {
+        FailEach("ImportExternalView",
+                 [&, from = file->Get(), format = format] {
+                     return helper->ImportExternalView(opened.Get(), from, 1036, format, 0);
+                 },
+                 static_cast<HRESULT>(everrUnableToOpenFile),
+                 {[&] { Open(); },
+                  [&](HRESULT status) {
+                      const Contents now = project.Look();
+                      EXPECT_EQ(now.pairs, before.pairs);
+                      EXPECT_EQ(now.damage, before.damage);
+                      EXPECT_EQ(now.reimporting == before.reimporting, status != S_OK)
+                          << now.reimporting;
+                  }});
+    }
 }
 
 TEST_F(HelperUnderFire, Export) {
     TemporaryFolder folder;
     const Bstr file(folder.Path(u"out.rtf"));
-    for (const std::int32_t options : {0, static_cast<std::int32_t>(UniquePairsOnly)}) {
+    for (const std::int32_t options :
+         std::array<std::int32_t, 4>{0, UniquePairsOnly, FormatHtml, FormatTwb}) {
         const auto run = [&] {
             return helper->ExportExternalView(opened.Get(), file.Get(), 0, 1036,
                                               ShowIdColumn | ShowStatusColumn | options, nullptr, 1,
@@ -335,7 +347,7 @@ TEST_F(HelperUnderFire, Export) {
         };
         ASSERT_EQ(run(), S_OK);
         const std::string whole = ReadFile(file.Text());
-        FailEach(options == 0 ? "ExportExternalView" : "ExportExternalView of unique pairs", run,
+        FailEach("ExportExternalView with " + std::to_string(options), run,
                  static_cast<HRESULT>(everrUnableToOpenFile),
                  {[] {},
                   [&](HRESULT status) {

@@ -6,6 +6,7 @@
 #include "project.h"
 #include "rounds.h"
 #include "rtf/memory_file.h"
+#include "rtf/twb_document.h"
 
 #include <array>
 #include <ctime>
@@ -16,20 +17,22 @@ namespace generalutilities::fire {
 namespace {
 
 /// Reads a file that is in memory.
-class ImportFromMemory : public CRTFImport {
+template <class Reader>
+class FromMemory : public Reader {
   public:
     std::string content;
     bool OpenFile() override {
-        CRTFImport::OpenFile();
-        return Open(testing::FileOf(std::move(content)));
+        Reader::OpenFile();
+        return this->Open(testing::FileOf(std::move(content)));
     }
 };
 
 using Cells = std::vector<std::u16string>;
 
 /// The first two texts of all rows, one behind the other; "no header" if the file is refused.
+template <class Reader = CRTFImport>
 Cells Rows(std::string file) {
-    ImportFromMemory import;
+    FromMemory<Reader> import;
     import.content = std::move(file);
     if (!import.OpenFile() || !import.ReadHeader()) {
         return {u"no header"};
@@ -51,13 +54,18 @@ const std::string Table =
     "\\u8364 ?}\\cell\\pard {\\uc0\\u20013 two\\par}\\cell note\\cell 512\\cell\\row 2\\cell{\\b a}"
     "\\cell\\cell\\row}";
 
-TEST(FilesUnderFire, CutAnywhereOrWithAnyByteChanged) {
+const std::string Document = testing::TwbDocument(
+    u"x<ID 1> ¦m{0>¦rs\\u8364 ?\\'e9¦i<c:1>¦m<}87{>¦tt¦m<0}¦r{\\f1\\par}¦x<ID 2> ¦m{0><}0{><0}");
+
+/// Whatever becomes of `whole`, an import of it answers.
+template <class Reader>
+void CutAndChange(const std::string& whole) {
     InstallFaultyVfs();
     const Project project(3, 5);
     DatabaseFailure failure;
     const auto database = OpenDatabase(project.Path(), OpenMode::ReadWrite, failure);
     ASSERT_TRUE(database);
-    ImportFromMemory import;
+    FromMemory<Reader> import;
     long imported = 0;
     long refused = 0;
     const auto run = [&](const std::string& where) {
@@ -66,26 +74,32 @@ TEST(FilesUnderFire, CutAnywhereOrWithAnyByteChanged) {
         ASSERT_TRUE(status == S_OK || status == static_cast<HRESULT>(everrNotEnoughFieldsPresent))
             << where << ": " << status;
     };
-    for (std::size_t length = 0; length <= Table.size(); ++length) {
-        import.content = Table.substr(0, length);
+    for (std::size_t length = 0; length <= whole.size(); ++length) {
+        import.content = whole.substr(0, length);
         run("cut at " + std::to_string(length));
     }
-    for (std::size_t place = 0; place < Table.size(); ++place) {
+    for (std::size_t place = 0; place < whole.size(); ++place) {
         const std::array<char, 4> some = {'{', '}', '\\', '\xFF'};
         const int values = LongRounds() ? 256 : static_cast<int>(some.size());
         for (int i = 0; i < values; ++i) {
             const char value =
                 LongRounds() ? static_cast<char>(i) : some[static_cast<std::size_t>(i)];
-            import.content = Table;
+            import.content = whole;
             import.content[place] = value;
             run("byte " + std::to_string(place) + " as " + std::to_string(value));
-            ASSERT_FALSE(HasFatalFailure());
+            ASSERT_FALSE(::testing::Test::HasFatalFailure());
         }
     }
     std::printf("%ld files: %ld imported, %ld refused\n", imported + refused, imported, refused);
-    import.content = Table;
+    import.content = whole;
     EXPECT_EQ(import.RunImport(*database, u"in memory", 1036), S_OK);
+}
+
+TEST(FilesUnderFire, CutAnywhereOrWithAnyByteChanged) {
+    CutAndChange<CRTFImport>(Table);
     EXPECT_EQ(Rows(Table), (Cells{u"1", u"on\u00E9\u20AC", u"2", u"a"}));
+    CutAndChange<CTWBImport>(Document);
+    EXPECT_EQ(Rows<CTWBImport>(Document), (Cells{u"1", u"s\u20AC\u00E9{1}", u"2", u""}));
 }
 
 std::string Repeat(std::string_view piece, std::size_t count) {
@@ -105,12 +119,19 @@ std::string FileWith(const std::string& inFront, const std::string& inCell,
     return file + inFront + "\\pard ID\\cell Source\\cell\\row 7\\cell " + inCell + "\\cell\\row}";
 }
 
+/// A bilingual document of one segment, and behind it what has no end mark.
+std::string DocumentWith(const std::string& runs) {
+    return testing::TwbDocument(u"x<ID 7> ¦m{0>¦tab¦m<}0{>¦tt¦m<0}¦x<ID 8> ¦m{0>¦ts¦r") + runs +
+           "}";
+}
+
 struct Monster {
     const char* what;
     std::size_t size;      ///< in every run of the tests
     std::size_t longSize;  ///< in the long rounds
     std::function<std::string(std::size_t)> make;
     std::function<Cells(std::size_t)> rows;
+    Cells (*read)(std::string) = Rows<CRTFImport>;
 };
 
 const Cells Plain = {u"7", u"ab"};
@@ -158,6 +179,21 @@ const Monster Monsters[] = {
          }
          return cells;
      }},
+    {"marks in one run", 200'000, 20'000'000,
+     [](std::size_t n) { return DocumentWith("{\\cs1 " + Repeat("<\\}0\\{>", n) + "}"); },
+     AlwaysPlain, Rows<CTWBImport>},
+    {"marks in runs of their own", 100'000, 5'000'000,
+     [](std::size_t n) { return DocumentWith(Repeat("{\\cs1 \\{0>}", n)); }, AlwaysPlain,
+     Rows<CTWBImport>},
+    {"marks between texts", 100'000, 5'000'000,
+     [](std::size_t n) { return DocumentWith(Repeat("{\\cs1 <\\}7\\{>}a", n)); }, AlwaysPlain,
+     Rows<CTWBImport>},
+    {"codes that do not end", 200'000, 20'000'000,
+     [](std::size_t n) { return DocumentWith("{\\cs6 " + Repeat("<c:", n) + "}"); }, AlwaysPlain,
+     Rows<CTWBImport>},
+    {"identifiers without a segment", 100'000, 5'000'000,
+     [](std::size_t n) { return DocumentWith(Repeat("{\\cs5 <ID 1>}b", n)); }, AlwaysPlain,
+     Rows<CTWBImport>},
 };
 
 double Seconds() {
@@ -177,7 +213,7 @@ TEST(FilesUnderFire, MoreOfEverythingThanAFileHas) {
             for (int run = 0; run < (LongRounds() ? 3 : 1); ++run) {
                 std::string copy = file;
                 const double start = Seconds();
-                const Cells rows = Rows(std::move(copy));
+                const Cells rows = monster.read(std::move(copy));
                 cost = std::min(cost, Seconds() - start);
                 EXPECT_TRUE(rows == expected) << monster.what << " " << n;
             }

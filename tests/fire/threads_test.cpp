@@ -93,13 +93,14 @@ void AskExtViewHelper(Answers& answers, const Project& project, const std::u16st
     }
     const Bstr path(file), reviewed(project.Reviewed()), nowhere(u"/nowhere/at/all");
     for (const std::int32_t options :
-         {std::int32_t{ShowIdColumn}, std::int32_t{ShowIdColumn | UniquePairsOnly}}) {
+         {std::int32_t{ShowIdColumn}, std::int32_t{ShowIdColumn | UniquePairsOnly},
+          std::int32_t{FormatTwb}, std::int32_t{FormatHtml}}) {
         answers.Add(helper->ExportExternalView(opened.Get(), path.Get(), 0, 1036, options, nullptr,
                                                1, 2, 3, 4, 5, 6, 7, 8, 9));
         answers.Add(ReadFile(file));
         for (const Bstr* from : {&path, &reviewed}) {
-            answers.Add(
-                helper->ImportExternalView(opened.Get(), from->Get(), 1036, 0, VARIANT_FALSE));
+            answers.Add(helper->ImportExternalView(opened.Get(), from->Get(), 1036, options,
+                                                   VARIANT_FALSE));
             answers.Add(project.Look().reimporting);
         }
     }

@@ -147,24 +147,5 @@ TEST(TwbImport, AgreesWithThePlainFormOnRandomRuns) {
     EXPECT_GT(rowCount, 1000);
 }
 
-/// Very many marks, codes and rows cost time in proportion, and memory for the longest cell.
-TEST(TwbImport, TakesHostileFiles) {
-    const auto many = [](std::u16string_view piece) {
-        std::u16string text;
-        for (int i = 0; i < 300'000; ++i) {
-            text += piece;
-        }
-        return text;
-    };
-    const std::u16string start = u"x<ID 1> ¦m{0>¦ts¦";
-    for (const std::u16string& body :
-         {start + u"m" + many(u"<}0{>"), start + many(u"m{0>¦"), start + many(u"m<}7{>¦ta¦"),
-          start + u"i" + many(u"<c:"), start + many(u"i<c:1>¦ta¦"), many(u"x<ID 1> ¦"),
-          start + u"m" + many(u"<0}{0>")}) {
-        TwbImportOf import(TwbDocument(body));
-        EXPECT_LE(RowsOf(import).size(), import.file.size()) << Bytes(body.substr(0, 40));
-    }
-}
-
 }  // namespace
 }  // namespace generalutilities

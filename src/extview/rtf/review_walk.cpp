@@ -169,6 +169,7 @@ void ReviewWalk::TakeEscape(std::string_view rest) {
             TakeHyphen(NonBreakingHyphen);
             break;
         case ':':
+            TakeFallback(position + 2);
             position += 2;
             break;
         default:
@@ -198,15 +199,20 @@ void ReviewWalk::TakeHyphen(const Hyphen& hyphen) {
         TakeCharacters(end, {&hyphen.character, 1});
         return;
     }
-    position = end;
+    bool stays = true;
     if (isFallback) {
-        --skipCount;
-    } else if (!KeepText(from, end, hyphen.character)) {
-        return;
+        stays = !bilingual || bilingual->Keeps(groups.back().style);
+        skipCount -= stays ? 1 : 0;
+        TakeFallback(end);
+    } else {
+        stays = KeepText(from, end, hyphen.character);
     }
-    Report(hyphen.finding, from);
-    copy.Drop(from, end);
-    copy.Insert(end, isFallback ? "?" : hyphen.asRead);
+    position = end;
+    if (stays) {
+        Report(hyphen.finding, from);
+        copy.Drop(from, end);
+        copy.Insert(end, isFallback ? "?" : hyphen.asRead);
+    }
 }
 
 void ReviewWalk::TakePlainText(std::string_view text) {
@@ -389,7 +395,8 @@ void ReviewWalk::TakeCharacters(std::uint32_t end, std::u16string_view character
     }
 }
 
-/// Takes what the reader drops, up to `end`. To it these are texts, too, though empty ones.
+/// Takes what the reader finds no character in, up to `end`. To it that is a text, too, though an
+/// empty one.
 void ReviewWalk::TakeFallback(std::uint32_t end) {
     if (bilingual && isInBody && end > position) {
         bilingual->Fallback(groups.back().style, position, end);
@@ -399,6 +406,9 @@ void ReviewWalk::TakeFallback(std::uint32_t end) {
 void ReviewWalk::TakeUnicode(std::uint32_t end, std::int32_t argument) {
     const bool isFallback = skipCount > 0;
     const std::uint32_t from = position;
+    if (isFallback) {
+        TakeFallback(end);
+    }
     position = end;
     if (isInBody && !isFallback) {
         Text(from, end, static_cast<char16_t>(argument));

@@ -90,6 +90,12 @@ bool TwbReview::Text(std::int32_t style, std::uint32_t from, std::uint32_t to,
     return false;
 }
 
+bool TwbReview::Keeps(std::int32_t style) {
+    const Kind kind = KindOf(style);
+    Begin(kind);
+    return kind == Kind::Plain && IsInText();
+}
+
 /// Text between the identifier and the source would be a cell of its own.
 void TwbReview::TakePlain(std::uint32_t from, std::uint32_t to, std::optional<char16_t> character) {
     if (IsInText()) {
@@ -106,27 +112,37 @@ void TwbReview::TakePlain(std::uint32_t from, std::uint32_t to, std::optional<ch
         TellOutside(from);
     }
     if (place == Place::Identifier) {
-        copy.Drop(from, to);
+        Leave({{u' ', from, to}});
     }
 }
 
-/// A fallback belongs to its character. Where it is parted from that, it is an empty text of its
-/// own to the reader, which can make a cell.
+/// A fallback belongs to its character, and goes with it. Where it is parted from that, it is an
+/// empty text of its own to the reader, which can make a cell.
 void TwbReview::Fallback(std::int32_t style, std::uint32_t from, std::uint32_t to) {
     const Kind kind = KindOf(style);
-    const bool isParted = textEnd != from || kind != runKind;
-    textEnd = to;
-    if (!isParted) {
-        if (!run.empty() && run.back().end == from) {
-            run.back().end = to;
-        }
+    const std::uint32_t textBefore = std::exchange(textEnd, to);
+    const bool isParted = kind != runKind || textBefore != from;
+    if (isParted) {
+        EndRun();
+    } else if (!run.empty() && run.back().end == from) {
+        run.back().end = to;
         return;
     }
-    EndRun();
-    if (place == Place::Identifier) {
-        place = kind == Kind::External ? place : Place::Damaged;
+    if (textBefore != 0 && textBefore == leftEnd) {
+        Leave({{u' ', from, to}});
+    } else if (isParted) {
+        TakeEmpty(kind, {u' ', from, to});
+    }
+}
+
+/// Takes a text of no characters.
+void TwbReview::TakeEmpty(Kind kind, const Character& empty) {
+    if (place == Place::Identifier && kind == Kind::External) {
+        identifier.push_back(empty);
+    } else if (place == Place::Identifier) {
+        place = Place::Damaged;
     } else if (IsInText() ? kind != Kind::Plain : kind == Kind::External) {
-        PutInPlainStyle({{u' ', from, to}});
+        PutInPlainStyle({empty});
     }
     if (IsInText()) {
         AddText();
@@ -419,7 +435,10 @@ void TwbReview::PutInPlainStyle(const Characters& stretch) {
 }
 
 void TwbReview::Leave(const Characters& stretch) {
-    ForEachPiece(stretch, [this](std::uint32_t from, std::uint32_t to) { copy.Drop(from, to); });
+    ForEachPiece(stretch, [this](std::uint32_t from, std::uint32_t to) {
+        copy.Drop(from, to);
+        leftEnd = to;
+    });
 }
 
 }  // namespace generalutilities::rtf

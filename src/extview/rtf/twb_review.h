@@ -32,8 +32,10 @@ class TwbReview {
     /// True for text of a segment that can stay as it is.
     bool Text(std::int32_t style, std::uint32_t from, std::uint32_t end,
               std::optional<char16_t> character);
-    /// Takes text of the body that the reader drops, behind a `\u`.
+    /// Takes text of the body that the reader finds empty, such as what stands behind a `\u`.
     void Fallback(std::int32_t style, std::uint32_t from, std::uint32_t end);
+    /// Whether text of this style would stay as it is here.
+    bool Keeps(std::int32_t style);
     /// Puts a paragraph break before the byte at `at`, if a segment's text stands there; false if
     /// none does.
     bool KeepBreak(std::uint32_t at);
@@ -61,6 +63,7 @@ class TwbReview {
     bool IsInText() const { return place == Place::Source || place == Place::Target; }
 
     void Begin(Kind kind);
+    void TakeEmpty(Kind kind, const Character& empty);
     void TakePlain(std::uint32_t from, std::uint32_t end, std::optional<char16_t> character);
     void TakeStyled(const Character& character);
     void EndRun();
@@ -100,6 +103,7 @@ class TwbReview {
     bool isBehindEnd = false;               ///< the run began with the end of a segment
     bool toldOutside = false;               ///< of text before the source of this segment
     std::uint32_t textEnd = 0;              ///< of the text that came last
+    std::uint32_t leftEnd = 0;              ///< of the text that was left out last
     std::optional<std::uint32_t> lineEnds;  ///< where the line ends begin that it ends in
     std::uint64_t rowsDone = 0;
     std::string bytes;
