@@ -114,6 +114,14 @@ inline void AppendSignExtended(std::string_view bytes, std::u16string& text) {
             }
             widen(length - 16);  // the rest, and some bytes a second time
             i = length;
+        } else if (length >= 8) {
+            for (const std::size_t at : {std::size_t{0}, length - 8}) {
+                const __m128i in =
+                    _mm_loadl_epi64(reinterpret_cast<const __m128i*>(bytes.data() + at));
+                _mm_storeu_si128(reinterpret_cast<__m128i*>(block + at),
+                                 _mm_srai_epi16(_mm_unpacklo_epi8(in, in), 8));
+            }
+            i = length;
         }
 #endif
         for (; i < length; ++i) {

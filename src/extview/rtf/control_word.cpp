@@ -80,17 +80,21 @@ ControlWord ReadAnyWord(RtfFilePager& pager, std::uint32_t offset, std::string& 
 
 }  // namespace
 
+std::int32_t ArgumentOf(std::string_view word, const WordShape& shape) {
+    ArgumentValue value;
+    for (std::size_t i = shape.nameLength; i < shape.argumentEnd; ++i) {
+        value.AddDigit(word[i]);
+    }
+    return value.Value();
+}
+
 ControlWord ReadControlWord(RtfFilePager& pager, std::uint32_t offset, std::string& spill) {
     const std::string_view bytes = pager.BytesFrom(offset);
     WordShape shape;
     if (MeasureWord(bytes, shape)) {
         ControlWord word;
-        ArgumentValue value;
-        for (std::size_t i = shape.nameLength; i < shape.argumentEnd; ++i) {
-            value.AddDigit(bytes[i]);
-        }
         word.name = bytes.substr(0, shape.nameLength);
-        word.argument = value.Value();
+        word.argument = ArgumentOf(bytes, shape);
         word.hasArgument = shape.argumentEnd != shape.nameLength;
         word.nameEnd = offset + static_cast<std::uint32_t>(shape.nameLength);
         word.end = offset + static_cast<std::uint32_t>(shape.end);
@@ -100,9 +104,19 @@ ControlWord ReadControlWord(RtfFilePager& pager, std::uint32_t offset, std::stri
 }
 namespace {
 
+/// The last eight letters of a name as one number.
+constexpr std::uint64_t KeyOf(std::string_view name) {
+    std::uint64_t key = 0;
+    for (const char letter : name) {
+        key = key << 8 | static_cast<unsigned char>(letter);
+    }
+    return key;
+}
+
 struct MeaningRow {
     std::string_view name;
     WordMeaning meaning;
+    std::uint64_t key = KeyOf(name);
 };
 
 /// In the order of their lengths.
@@ -152,10 +166,11 @@ static_assert(FirstOfLength.back() == std::size(Meanings));
 }  // namespace
 
 WordMeaning MeaningOf(std::string_view name) {
-    if (name.size() <= LongestMeaning) {
+    if (!name.empty() && name.size() <= LongestMeaning) {
+        const std::uint64_t key = KeyOf(name);
         const std::size_t end = FirstOfLength[name.size() + 1];
         for (std::size_t row = FirstOfLength[name.size()]; row < end; ++row) {
-            if (Meanings[row].name.front() == name.front() && Meanings[row].name == name) {
+            if (Meanings[row].key == key && Meanings[row].name.front() == name.front()) {
                 return Meanings[row].meaning;
             }
         }

@@ -11,6 +11,8 @@
 /// Control words: reading one from the file, and what a word means to the parser.
 namespace generalutilities::rtf {
 
+struct WordShape;
+
 /// A control word as it stands in the file.
 struct ControlWord {
     std::string_view name;      ///< lives until the pager turns a page, or the next word is read
@@ -25,6 +27,9 @@ struct ControlWord {
 /// that crosses the border of a page.
 ControlWord ReadControlWord(RtfFilePager& pager, std::uint32_t offset, std::string& spill);
 
+/// The argument of a word that `MeasureWord` has measured.
+std::int32_t ArgumentOf(std::string_view word, const WordShape& shape);
+
 enum class WordKind : std::uint8_t {
     Other,
     Characters,     ///< stands for the characters of its meaning: `par`, `tab`, `lquote`, ...
@@ -35,6 +40,12 @@ enum class WordKind : std::uint8_t {
     Destination,    ///< `*`: the group is to be skipped
     Inert,          ///< `v`, `plain`: known, and without an effect
 };
+
+/// Whether a word of this kind changes the state of its group and does nothing else.
+constexpr bool IsState(WordKind kind) {
+    return kind == WordKind::FallbackCount || kind == WordKind::Font || kind == WordKind::Style ||
+           kind == WordKind::Inert;
+}
 
 struct WordMeaning {
     WordKind kind = WordKind::Other;

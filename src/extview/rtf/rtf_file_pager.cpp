@@ -70,22 +70,23 @@ bool RtfFilePager::StandsAt(std::uint32_t offset, std::string_view text) {
     return true;
 }
 
-std::uint32_t RtfFilePager::Find(std::uint32_t start, std::string_view text) {
+std::uint32_t RtfFilePager::Find(std::uint32_t start, std::string_view text, std::uint32_t end) {
+    const auto ifBefore = [end](std::uint32_t place) { return place < end ? place : NotFound; };
     for (std::uint32_t offset = start;;) {
-        const std::string_view bytes = BytesFrom(offset);
+        const std::string_view bytes = offset < end ? BytesFrom(offset) : std::string_view();
         if (bytes.empty()) {
             return NotFound;
         }
         if (const void* found = memmem(bytes.data(), bytes.size(), text.data(), text.size())) {
-            return offset +
-                   static_cast<std::uint32_t>(static_cast<const char*>(found) - bytes.data());
+            return ifBefore(offset + static_cast<std::uint32_t>(static_cast<const char*>(found) -
+                                                                bytes.data()));
         }
         // What begins in this page and ends in the next one.
         const std::uint32_t pageEnd = offset + static_cast<std::uint32_t>(bytes.size());
         const auto tail = static_cast<std::uint32_t>(std::min(bytes.size(), text.size() - 1));
         for (std::uint32_t candidate = pageEnd - tail; candidate < pageEnd; ++candidate) {
             if (StandsAt(candidate, text)) {
-                return candidate;
+                return ifBefore(candidate);
             }
         }
         offset = pageEnd;

@@ -49,8 +49,9 @@ class RtfFilePager {
         return bytes.empty() ? '\0' : bytes.front();
     }
 
-    /// The lowest offset at or above `start` at which the bytes of `text` stand, or `NotFound`.
-    std::uint32_t Find(std::uint32_t start, std::string_view text);
+    /// The lowest offset at or above `start` and below `end` at which the bytes of `text` stand, or
+    /// `NotFound`.
+    std::uint32_t Find(std::uint32_t start, std::string_view text, std::uint32_t end = NotFound);
 
     /// Fills `out` with `length` bytes, or with what the file has of them.
     void Read(std::uint32_t start, std::uint32_t length, std::string& out);

@@ -38,8 +38,9 @@ bool CRTFReader::Prepare() {
     }
     rtf::ReadStyleSheet(content, styleNames);
 
-    // `NotFound` is the highest offset, so the nearer of the two is the lower one.
-    const std::uint32_t body = std::min(FindInFile(end, "\\pard"), FindInFile(end, "\\intbl"));
+    // The nearer of the two; `NotFound` is the highest offset.
+    const std::uint32_t paragraph = FindInFile(end, "\\pard");
+    const std::uint32_t body = std::min(paragraph, FindInFile(end, "\\intbl", paragraph));
     WalkHead(body);
     position = body;
     return true;

@@ -80,7 +80,7 @@ bool CRTFReader::Parse() {
                 break;
             case '\\':
                 if (inCodes) {
-                    if (const std::uint32_t length = MeaninglessWords(rest); length > 0) {
+                    if (const std::uint32_t length = QuietWords(rest); length > 0) {
                         position += length;
                         break;
                     }
@@ -99,21 +99,33 @@ bool CRTFReader::Parse() {
     }
 }
 
-/// The length of the control words at the start of the bytes that mean nothing to anybody here.
-std::uint32_t CRTFReader::MeaninglessWords(std::string_view bytes) const {
+/// Takes the control words of a code run at the start of the bytes of which nobody is told; their
+/// length. Of the others the first ends them.
+std::uint32_t CRTFReader::QuietWords(std::string_view bytes) {
     constexpr int ShortSuccession = 4;
     std::size_t length = 0;
+    int meaningless = 0;  // in succession
     rtf::WordShape shape;
-    for (int count = 0; length < bytes.size() && bytes[length] == '\\'; ++count) {
-        const std::string_view word(bytes.data() + length + 1, bytes.size() - length - 1);
-        if (count == ShortSuccession) {
+    while (length < bytes.size() && bytes[length] == '\\') {
+        if (meaningless == ShortSuccession) {
+            meaningless = 0;
             length += rtf::MeaninglessLength({bytes.data() + length, bytes.size() - length},
                                              controlWords);
             continue;
         }
-        if (!rtf::MeasureWord(word, shape) ||
-            controlWords.MayMatter({word.data(), shape.nameLength})) {
+        const std::string_view word(bytes.data() + length + 1, bytes.size() - length - 1);
+        if (!rtf::MeasureWord(word, shape)) {
             break;
+        }
+        const std::string_view name(word.data(), shape.nameLength);
+        ++meaningless;
+        if (controlWords.MayMatter(name)) {
+            const WordKind kind = rtf::MeaningOf(name).kind;
+            if (!rtf::IsState(kind)) {
+                break;
+            }
+            ApplyWord(kind, rtf::ArgumentOf(word, shape));
+            meaningless = 0;
         }
         length += 1 + shape.end;
     }
@@ -133,6 +145,14 @@ bool CRTFReader::ParseEscape(std::string_view rest) {
         case '-':
         case ':':
             break;
+        case 'u':
+            if (!inCodes) {
+                if (const std::uint32_t length = AddUnicode(rest); length > 0) {
+                    position += length;
+                    return true;
+                }
+            }
+            return ParseControlWord();
         default:
             return ParseControlWord();
     }
@@ -152,6 +172,37 @@ bool CRTFReader::ParseEscape(std::string_view rest) {
     }
     position += 2;
     return true;
+}
+
+/// Adds the characters of `\u` words, with the `\uc` words between them, that stand at the start of
+/// the bytes in the usual form, with an argument and no sign; their length. A text in another
+/// script than Latin consists of them.
+std::uint32_t CRTFReader::AddUnicode(std::string_view bytes) {
+    constexpr std::size_t LongestWord = 16;  // with the byte behind it
+    constexpr int MostDigits = 9;
+    std::size_t length = 0;
+    while (bytes.size() - length >= LongestWord && bytes[length] == '\\' &&
+           bytes[length + 1] == 'u') {
+        std::size_t at = length + 2;
+        const bool isCount = bytes[at] == 'c';
+        at += isCount ? 1 : 0;
+        std::int32_t value = 0;
+        int digits = 0;
+        for (; bytes[at] >= '0' && bytes[at] <= '9' && digits <= MostDigits; ++at, ++digits) {
+            value = digits < MostDigits ? value * 10 + (bytes[at] - '0') : value;
+        }
+        if (digits == 0 || digits > MostDigits) {
+            break;
+        }
+        length = at + (bytes[at] == ' ' ? 1 : 0);
+        if (isCount) {
+            groups.back().fallbackCount = value;
+        } else {
+            AddCharacter(static_cast<char16_t>(value));
+            skipCount = static_cast<std::uint32_t>(groups.back().fallbackCount);
+        }
+    }
+    return static_cast<std::uint32_t>(length);
 }
 
 /// Takes the control word whose backslash is at `position`; false to stop.

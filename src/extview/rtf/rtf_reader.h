@@ -54,9 +54,11 @@ class CRTFReader {
     bool ReadFailed() const { return pager.ReadFailed(); }
 
     char ByteAt(std::uint32_t offset) { return pager.ByteAt(offset); }
-    /// The lowest offset at or above `start` of `text`, or `RtfFilePager::NotFound`.
-    std::uint32_t FindInFile(std::uint32_t start, std::string_view text) {
-        return pager.Find(start, text);
+    /// The lowest offset at or above `start` and below `end` of `text`, or
+    /// `RtfFilePager::NotFound`.
+    std::uint32_t FindInFile(std::uint32_t start, std::string_view text,
+                             std::uint32_t end = RtfFilePager::NotFound) {
+        return pager.Find(start, text, end);
     }
     void ReadBytes(std::uint32_t start, std::uint32_t length, std::string& out) {
         pager.Read(start, length, out);
@@ -87,8 +89,9 @@ class CRTFReader {
     std::uint32_t GroupEnd(std::uint32_t start, bool& closed);
     void WalkHead(std::uint32_t end);
 
-    std::uint32_t MeaninglessWords(std::string_view bytes) const;
+    std::uint32_t QuietWords(std::string_view bytes);
     bool ParseEscape(std::string_view rest);
+    std::uint32_t AddUnicode(std::string_view bytes);
     bool ParseControlWord();
     void ApplyWord(rtf::WordKind kind, std::int32_t argument);
     void SkipDestination();
