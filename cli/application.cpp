@@ -4,6 +4,7 @@
 #include "commands/accept_command.h"
 #include "commands/classes_command.h"
 #include "commands/codepage_command.h"
+#include "commands/draw_command.h"
 #include "commands/export_command.h"
 #include "commands/import_command.h"
 #include "commands/itd_command.h"
@@ -48,6 +49,7 @@ void AddCommands(CLI::App& app, CommandContext& context) {
     AddCodePageCommand(app, context);
     AddTagsCommand(app, context);
     AddItdCommand(app, context);
+    AddDrawCommand(app, context);
     AddClassesCommand(app, context);
     AddRegisterCommands(app, context);
 }

@@ -71,6 +71,12 @@ expect 1 "$genutil" itd apply "$document" "$out/itd/ja-JP-translated.xlf" \
     -o "$out/itd/ja-JP-translated.itd"
 expect 0 "$genutil" itd segments "$out/itd/ja-JP-translated.itd"
 
+heading "Text in many scripts, drawn and measured"
+for kind in png pdf svg; do
+    expect 0 "$genutil" draw -o "$out/many-scripts.$kind" --size 20 --width 470 --file demo/many-scripts.txt
+done
+expect 0 "$genutil" draw --measure --size 20 --width 470 --file demo/many-scripts.txt
+
 heading "What was made"
 cat <<END
   $project
@@ -81,4 +87,6 @@ cat <<END
       what became of every row of the reviewed tables, changes marked
   $out/itd/
       bilingual documents, one in XLIFF for a translator, and the document with its translations
+  $out/many-scripts.png, .pdf, .svg
+      text from right to left, with combining marks, and broken where there are no blanks
 END

@@ -1,9 +1,9 @@
 #include "commands/export_options.h"
 
+#include "color.h"
 #include "failure.h"
 
 #include <algorithm>
-#include <charconv>
 #include <filesystem>
 
 namespace generalutilities::cli {
@@ -71,12 +71,6 @@ constexpr ColorOption Colors[] = {
     {"--color-machine-translated", "#CFE2F3"},
 };
 
-std::string CheckColor(const std::string& text) {
-    const bool wellFormed = text.size() == 7 && text[0] == '#' &&
-                            text.find_first_not_of("0123456789abcdefABCDEF", 1) == text.npos;
-    return wellFormed ? "" : "\"" + text + "\" is no colour; write #RRGGBB, such as #FFCC00";
-}
-
 /// A font's name goes into the file as it is, so it must not hold what has a meaning there.
 std::string CheckFont(const std::string& name) {
     for (const char c : name) {
@@ -143,10 +137,7 @@ std::int32_t ExportLook::OptionBits() const {
 }
 
 std::int32_t ExportLook::ColorValue(std::size_t index) const {
-    std::int32_t rgb = 0;
-    const std::string& text = colors[index];
-    std::from_chars(text.data() + 1, text.data() + text.size(), rgb, 16);
-    return (rgb & 0xFF) << 16 | (rgb & 0xFF00) | rgb >> 16;
+    return ParseColor(colors[index]);
 }
 
 void AddLookOptions(CLI::App* command, ExportLook& look) {

@@ -63,8 +63,9 @@ TEST(CommandLine, Answers) {
 TEST(CommandLine, HelpSuffices) {
     EXPECT_THAT(Genutil({"--version"}).output, HasSubstr("genutil 0."));
     EXPECT_THAT(Genutil({"--help"}).output, HasSubstr("Exit codes: 0 done"));
-    for (const std::string command : {"export", "import", "review", "accept", "project", "text",
-                                      "codepage", "tags", "itd", "classes", "register", "unregister"}) {
+    for (const std::string command :
+         {"export", "import", "review", "accept", "project", "text", "codepage", "tags", "itd",
+          "draw", "classes", "register", "unregister"}) {
         const Result result = Genutil({command, "--help"});
         EXPECT_EQ(result.exitCode, 0) << command;
         EXPECT_THAT(result.output, HasSubstr("Usage: genutil " + command)) << command;
@@ -97,6 +98,27 @@ TEST(CommandLine, GivesSearchesAndMeasuresAsJson) {
         Genutil({"text", "generate", "--script", "31", "--count", "2", "--json"}).output);
     EXPECT_EQ(made["results"].size(), 2U);
     EXPECT_EQ(made["results"][0]["result"].get<std::string>().size(), 60U) << "20 units of Braille";
+}
+
+TEST(CommandLine, DrawsWhatItMeasures) {
+    const TemporaryFolder folder;
+    for (const std::string format : {"png", "pdf", "svg"}) {
+        const std::string file = folder / ("text." + format);
+        const json drawn =
+            json::parse(Genutil({"draw", "-o", file, "--width", "100", "two words, a line end",
+                                 "and another line", "--margin", "5", "--json"})
+                            .output);
+        EXPECT_EQ(drawn["fileFormat"], format);
+        EXPECT_EQ(drawn["width"], 110);
+        EXPECT_EQ(drawn["height"], drawn["textHeight"].get<int>() + 10);
+        EXPECT_GT(ReadFile(file).size(), 500U);
+    }
+    Check({"draw", "-o", folder / "cut.png", "--height", "4", "x"}, 1, "Wrote ", "higher than");
+    folder.Write("libpangocairo-1.0.so.0", "");
+    const Result result = Genutil({"draw", "--measure", "x"},
+                                  {.environment = {"LD_LIBRARY_PATH=" + folder.Path().string()}});
+    EXPECT_EQ(result.exitCode, 3);
+    EXPECT_THAT(result.error, HasSubstr("libpangocairo-1.0.so.0"));
 }
 
 TEST(CommandLine, TellsThatAZeroUnitEndsATextWhereItDoes) {

