@@ -215,18 +215,17 @@ def _write_back(mapping, copy):
 
 
 def _store_address(buffer, place, value, parameter, owned, kept):
-    """`void*` and records: the address of the caller's memory."""
-    if isinstance(value, (ctypes.Array, ctypes.Structure, ctypes._SimpleCData)):
-        address = ctypes.addressof(value)
-    else:
-        if parameter.vt == values.VT_RECORD and isinstance(value, (tuple, list)):
-            memory = (c_int32 * len(parameter.user_type.variables))(*value)
-        else:
-            try:
-                memory = (ctypes.c_char * memoryview(value).nbytes).from_buffer(value)
-            except TypeError:
-                raise Unpassable("memory that can be written is needed: an object of ctypes, a "
-                                 "bytearray or an array") from None
-        kept.append(memory)
-        address = ctypes.addressof(memory)
-    values.pack(buffer, place, values.VT_BYREF | values.VT_UI1, address)
+    """`void*` and records: the address of the caller's memory. A record may come as a tuple."""
+    fields = parameter.user_type.variables if parameter.vt == values.VT_RECORD else ()
+    if fields and isinstance(value, (tuple, list)) and len(value) == len(fields):
+        value = (c_int32 * len(fields))(*value)
+    try:
+        memory = (ctypes.c_char * memoryview(value).nbytes).from_buffer(value)
+    except TypeError:
+        raise Unpassable(f"a tuple of {', '.join(fields)} is needed" if fields else
+                         "memory that can be written is needed: an object of ctypes, a bytearray or "
+                         "an array") from None
+    if len(memory) < len(fields) * ctypes.sizeof(c_int32):
+        raise Unpassable(f"{len(memory)} bytes are no record of {', '.join(fields)}")
+    kept.append(memory)
+    values.pack(buffer, place, values.VT_BYREF | values.VT_UI1, ctypes.addressof(memory))

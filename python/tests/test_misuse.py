@@ -109,6 +109,8 @@ TABLE = [
     (lambda: create("QLNSort").Sort(bytearray(8), 4, 2, comparison(max)), ArgumentError, "memory"),
     (lambda: create("QLNSort").Sort(bytearray(8), 4, 3, 0), ArgumentError, "3 elements of 4 bytes"),
     (lambda: create("QLNSort").Sort(bytearray(8), 2**31, 2**31, 0), ArgumentError, "fit"),
+    (lambda: create("UDrawText").DrawText(0, "x", (1, 2)), ArgumentError, "left, top, right, bot"),
+    (lambda: create("UDrawText").DrawText(0, "x", bytearray(15)), ArgumentError, "15 bytes"),
     (lambda: create("ExtViewHelper").on("Coffee", print), ValueError, "ExportProgress, Import"),
     (lambda: create("ExtViewHelper").on("ExportProgress", 5), TypeError, "called"),
     (lambda: create("LongSet").on("Added", print), ValueError, "none"),

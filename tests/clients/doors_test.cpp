@@ -4,6 +4,7 @@
 #include <generalutilities/interfaces/class_ids.h>
 #include <generalutilities/interfaces/code_page_helper.h>
 #include <generalutilities/interfaces/collections.h>
+#include <generalutilities/interfaces/draw_text.h>
 #include <generalutilities/interfaces/ext_view_helper.h>
 #include <generalutilities/interfaces/itd.h>
 #include <generalutilities/interfaces/string_utils.h>
@@ -183,6 +184,7 @@ const std::map<std::u16string, std::u16string (*)(IDispatch*, const Cells&)> Dir
     {u"ITDWriter.TargetLanguage", Direct<&IITDWriter::get_TargetLanguage>::Call},
     {u"ITDWriter.SegmentCount", Direct<&IITDWriter::get_SegmentCount>::Call},
     {u"QLNSort.StringSort", SortDirectly},
+    {u"UDrawText.GetTextWidth", Direct<&IUDrawText::GetTextWidth>::Call},
 };
 
 /// Every argument goes as a text by reference; what the method writes replaces it.
@@ -226,7 +228,8 @@ ComPtr<IDispatch> Create(const std::u16string& name) {
         {u"ExtViewHelper", CLSID_ExtViewHelper},
         {u"ITDReader", CLSID_ITDReader},
         {u"ITDWriter", CLSID_ITDWriter},
-        {u"QLNSort", CLSID_QLNSort}};
+        {u"QLNSort", CLSID_QLNSort},
+        {u"UDrawText", CLSID_UDrawText}};
     ComPtr<IDispatch> object;
     EXPECT_EQ(CoCreateInstance(Classes.at(name), nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch,
                                object.OutVoid()),
