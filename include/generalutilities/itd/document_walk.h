@@ -59,8 +59,6 @@ class ItdWalk {
 
     const ItdDocument& Document() const { return document; }
     std::size_t SegmentCount() const { return document.sourceSegments.size(); }
-    /// Where the walk is, from 0.
-    std::size_t Index() const { return index; }
     const Segment& Current() const { return current; }
 
     bool HasMore() const { return index + 1 < SegmentCount(); }
@@ -86,7 +84,7 @@ class ItdWalk {
     void FindStatus(std::size_t i);
 
     ItdDocument document;
-    std::size_t index = 0;
+    std::size_t index = 0;  ///< of the current segment
     Segment current;
     Segment loading;  ///< keeps its room from segment to segment
     Count sourceCount;
