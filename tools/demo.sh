@@ -54,6 +54,19 @@ for language in "${languages[@]}"; do
     expect 1 "$genutil" accept "$project" --language "$language"
 done
 
+heading "A page for those who only read"
+expect 0 "$genutil" export "$project" -o "$out/fr-FR.html" --language fr-FR --status-column --status-value
+
+heading "A bilingual document: out, typed into, and home"
+document=$out/de-DE-bilingual
+expect 0 "$genutil" export "$project" -o "$document.rtf" --language de-DE --format twb --locked-is-perfect
+echo "The reviewer types directly behind a mark, and the text takes the style of the mark:"
+sed '/<ID 000002>/,/<0/ s/\\{>}$/\\{>Neu: }/' "$document.rtf" >"$document-reviewed.rtf"
+diff "$document.rtf" "$document-reviewed.rtf" || true
+expect 0 "$genutil" import "$project" "$document-reviewed.rtf" --language de-DE
+expect 0 "$genutil" review "$project" --language de-DE
+expect 0 "$genutil" accept "$project" --language de-DE
+
 heading "The project afterwards"
 expect 0 "$genutil" project info "$project"
 
@@ -83,6 +96,10 @@ cat <<END
       the project, with what the reviewers returned taken over
   $out/LANGUAGE.rtf, LANGUAGE-reviewed.rtf
       the tables that went out and came back, for ${languages[*]}
+  $out/fr-FR.html
+      the same rows as a page
+  $out/de-DE-bilingual.rtf, de-DE-bilingual-reviewed.rtf
+      a bilingual document that went out and came back
   $out/LANGUAGE-report.html
       what became of every row of the reviewed tables, changes marked
   $out/itd/

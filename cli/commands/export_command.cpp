@@ -171,6 +171,11 @@ void WarnOfLook(Console& console, const ExportLook& look) {
     if (look.format != "twb" && (look.options & (LockedIsPerfect | GuaranteedIsPerfect)) != 0) {
         console.Warn("--locked-is-perfect and --guaranteed-is-perfect are for --format twb alone");
     }
+    if (look.format == "html" && (look.options & (ColorAllRows | ColorStatusCell)) != 0) {
+        console.Warn(
+            "what has a status without a colour gets an empty colour on a page, which browsers "
+            "show as dark red; without --color-all-rows and --color-status-cell it stays white");
+    }
     if (look.format != "rtf") {
         return;
     }

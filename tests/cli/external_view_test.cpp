@@ -83,6 +83,65 @@ TEST_F(ExternalView, FormatsAndTheEndingsOfNames) {
     }
 }
 
+/// The page as a browser shows it: its cells, the colours behind them, and their fonts.
+TEST_F(ExternalView, ABrowserShowsThePage) {
+    const std::string browser = "/usr/bin/chromium";
+    if (!std::filesystem::exists(browser)) {
+        GTEST_SKIP() << "no chromium: the page is not looked at in a browser";
+    }
+    const std::string table =
+        folder.Write("a.csv",
+                     "id,source,target:ar-SA,status:ar-SA,comment:ar-SA\n"
+                     "1,\"a  <b> &amp; {1}\ttab\",مرحبا   (1),locked,\"<script>x</script>\"\n"
+                     "2,\"two\nlines\",𠮷 é,fuzzy,\n");
+    const std::string cells = folder / "cells.project";
+    ASSERT_EQ(Genutil({"project", "create", cells, table, "--source", "en-US"}).exitCode, 0);
+    file = folder / "page.html";
+    const Result written =
+        Genutil({"export", cells, "-o", file, "-l", "ar-SA", "--color-locked", "#102030",
+                 "--status-column", "--status-value", "--target-font", "DejaVu Serif"});
+    ASSERT_EQ(written.exitCode, 0) << written.error;
+    // The browser is to tell in plain ASCII what it has made of the page.
+    constexpr const char* Script = R"(<script>
+        const cells = [...document.querySelectorAll('td')].map(cell => {
+            const text = cell.querySelector('p');
+            return [text.innerText, getComputedStyle(cell).backgroundColor,
+                    getComputedStyle(text).fontFamily];
+        });
+        document.documentElement.innerHTML = JSON.stringify(cells).replace(/[^ -~]|[<>&]/g,
+            c => '\\u' + c.charCodeAt(0).toString(16).padStart(4, '0'));
+    </script>)";
+    const std::string asked = folder.Write("asked.html", ReadFile(file) + Script);
+    const Result shown = cli_test::Run(
+        browser, {"--headless", "--no-sandbox", "--disable-gpu",
+                  "--user-data-dir=" + (folder / "browser"), "--dump-dom", "file://" + asked});
+    const std::size_t begin = shown.output.find("[[");
+    ASSERT_NE(begin, std::string::npos) << shown.output << shown.error;
+    const json found = json::parse(shown.output.substr(begin, shown.output.find("]]") + 2 - begin));
+    const std::string none = "rgba(0, 0, 0, 0)";
+    const std::string locked = "rgb(16, 32, 48)";
+    const std::string other = "Tahoma";
+    const std::string target = "\"DejaVu Serif\"";
+    const std::vector<std::vector<std::string>> expected = {
+        {"ID", none, other},
+        {"Source", none, other},
+        {"Target", none, other},
+        {"Comments", none, other},
+        {"Status", none, other},
+        {"1", locked, other},
+        {"a \u00A0<b> &amp; {1} tab", locked, other},
+        {"مرحبا \u00A0\u00A0(1)", locked, target},
+        {"<script>x</script>", locked, other},
+        {"512", locked, other},
+        {"2", none, other},
+        {"two lines", none, other},
+        {"𠮷 é", none, target},
+        {"", none, other},
+        {"2", none, other},
+    };
+    EXPECT_EQ(found, json(expected));
+}
+
 TEST_F(ExternalView, NoticesThatTheOutputDoesNotReachTheDisk) {
     project = MakeLongProject(folder, 2000);
     std::filesystem::remove(folder / "a.project");
