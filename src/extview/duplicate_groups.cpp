@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <tuple>
+#include <utility>
 
 namespace generalutilities {
 
@@ -14,14 +15,22 @@ namespace {
 constexpr std::uint32_t NotVisited = 0;
 constexpr std::uint32_t NoneKept = UINT32_MAX;  // or 1 and the place of the member in its class
 
+/// An order of identifiers in which numbers ascend, with or without leading zeros.
+bool IsBefore(std::u16string_view left, std::u16string_view right) {
+    return std::pair(left.size(), left) < std::pair(right.size(), right);
+}
+
 }  // namespace
 
 DuplicateGroups::DuplicateGroups(Database& project, const DuplicateSearch& duplicateSearch)
     : database(project), search(duplicateSearch), rows(search.sourceLangId, search.targetLangId) {}
 
 bool DuplicateGroups::Decide(DuplicateRows& outer, const std::function<void()>& countRow) {
-    if (!rows.Open(database, search.queries.rowsQuery) ||
-        !Read(static_cast<std::size_t>(outer.Count()), countRow)) {
+    if (!rows.Open(database, search.queries.rowsQuery)) {
+        return false;
+    }
+    Read(static_cast<std::size_t>(outer.Count()), countRow);
+    if (!(keysBelong && idsAscend) && !ReadIds()) {
         return false;
     }
     std::sort(members.begin(), members.end(), [](const Member& left, const Member& right) {
@@ -39,29 +48,40 @@ bool DuplicateGroups::Decide(DuplicateRows& outer, const std::function<void()>& 
     return true;
 }
 
-bool DuplicateGroups::Read(std::size_t count, const std::function<void()>& countRow) {
+void DuplicateGroups::Read(std::size_t count, const std::function<void()>& countRow) {
     if (rows.IsEmpty()) {
-        return true;
+        return;
     }
-    std::vector<std::uint64_t> ids;
-    ids.reserve(count);
     members.reserve(count);
+    std::u16string previousId;
     std::uint32_t row = 0;
     do {
-        const std::uint64_t id = digest.Of({rows.Id()}).first;
-        ids.push_back(id);
+        const std::u16string_view id = rows.Id();
+        idsAscend = idsAscend && (row == 0 || IsBefore(previousId, id));
+        previousId = id;
         const auto storedKey = rows.StoredKey();
         keysBelong = keysBelong && storedKey &&
                      *storedKey == MakeSourceKey(rows.Source(), search.sourceLangId);
         if (storedKey) {  // a row without a key is found by no search
-            members.push_back({.texts = DigestOf(*storedKey, rows), .id = id, .row = row});
+            members.push_back({.texts = DigestOf(*storedKey, rows), .row = row});
         }
         ++row;
         countRow();
     } while (rows.MoveNext());
     marked.resize(row);
-    std::sort(ids.begin(), ids.end());
-    return std::adjacent_find(ids.begin(), ids.end()) == ids.end();
+}
+
+/// Reads the identifiers of all rows; false if two of them are equal.
+bool DuplicateGroups::ReadIds() {
+    ids.reserve(marked.size());
+    if (rows.MoveFirst()) {
+        do {
+            ids.push_back(digest.Of({rows.Id()}).first);
+        } while (rows.MoveNext());
+    }
+    std::vector<std::uint64_t> sorted = ids;
+    std::sort(sorted.begin(), sorted.end());
+    return std::adjacent_find(sorted.begin(), sorted.end()) == sorted.end();
 }
 
 TextDigest::Value DuplicateGroups::DigestOf(std::u16string_view key, DuplicateRows& row) const {
@@ -74,7 +94,7 @@ void DuplicateGroups::FollowVisits(DuplicateRows& outer) {
     for (std::size_t i = 0; i < byId.size(); ++i) {
         byId[i] = static_cast<std::uint32_t>(i);
     }
-    const auto idOf = [this](std::uint32_t member) { return members[member].id; };
+    const auto idOf = [this](std::uint32_t member) { return ids[members[member].row]; };
     std::sort(byId.begin(), byId.end(),
               [&](std::uint32_t left, std::uint32_t right) { return idOf(left) < idOf(right); });
     do {

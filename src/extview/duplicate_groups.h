@@ -23,7 +23,8 @@ namespace generalutilities {
 /// of the rows in the order of the file is enough. Where a stored key is another one, rows may
 /// visit classes that are not theirs, and the visits are followed one by one in their order.
 ///
-/// Of a row a digest of its texts and of its identifier are kept, 32 bytes, and no text.
+/// Of a row a digest of its texts is kept, 24 bytes in all, and no text. Identifiers that do not
+/// ascend, or that visits have to be followed by, are read anew and take as much again.
 class DuplicateGroups {
   public:
     DuplicateGroups(Database& project, const DuplicateSearch& duplicateSearch);
@@ -37,13 +38,13 @@ class DuplicateGroups {
   private:
     struct Member {
         TextDigest::Value texts;  ///< of key and forms: what the members of a class share
-        std::uint64_t id = 0;     ///< a digest too
         std::uint32_t row = 0;    ///< counted in the order of the file
         std::uint32_t kept = 0;   ///< in a class's first member; see `Visit`
     };
     using Members = std::vector<Member>;
 
-    bool Read(std::size_t count, const std::function<void()>& countRow);
+    void Read(std::size_t count, const std::function<void()>& countRow);
+    bool ReadIds();
     void FollowVisits(DuplicateRows& outer);
     void Visit(Members::iterator first, const Member* visitor);
     void MarkRow(const Member& member) { marked[member.row] = true; }
@@ -55,7 +56,9 @@ class DuplicateGroups {
     DuplicateRows rows;  ///< in the order of the file
     Members members;     ///< by class, in each class by row
     std::vector<bool> marked;
-    bool keysBelong = true;  ///< all stored keys are those of the source texts
+    std::vector<std::uint64_t> ids;  ///< digests by row, if they are asked for
+    bool keysBelong = true;          ///< all stored keys are those of the source texts
+    bool idsAscend = true;           ///< so all are different
 };
 
 }  // namespace generalutilities

@@ -2,6 +2,7 @@
 #include <generalutilities/text/words.h>
 
 #include "text/char_tables.h"
+#include "text/flat_tables.h"
 
 #include <algorithm>
 
@@ -60,7 +61,10 @@ std::u16string MakeSourceKey(std::u16string_view text, std::int32_t langId) {
 
 std::u16string CompareForm(std::u16string_view text, std::int32_t langId) {
     std::u16string form;
-    if (std::none_of(text.begin(), text.end(), IsNumber)) {
+    const auto isNumber = [](char16_t unit) {
+        return (flat::Classes[unit] & charclass::Number) != 0;
+    };
+    if (std::none_of(text.begin(), text.end(), isNumber)) {
         form = text;  // no token is a number
         TrimBlanks(form);
         return form;
