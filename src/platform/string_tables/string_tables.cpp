@@ -1,5 +1,6 @@
 #include "platform/string_tables/string_tables.h"
 
+#include <array>
 #include <dlfcn.h>
 #include <link.h>
 
@@ -17,28 +18,48 @@ constexpr std::int32_t PlaceInBlock(std::int32_t id) {
     return id & (BlockSize - 1);
 }
 
-/// What dlopen gives for a module is the address of its entry in the list of the dynamic linker.
-/// Walking the loaded objects under the linker's own lock tells whether an address is such an
-/// entry.
-struct ModuleSearch {
-    const void* module;
-    bool found = false;
+/// An address in each of some loaded objects.
+struct ObjectAddresses {
+    std::size_t skipped;  ///< objects that the walk leaves out still
+    std::size_t count = 0;
+    std::array<const void*, 64> addresses = {};
 };
 
-int CompareModule(dl_phdr_info* info, std::size_t, void* data) {
-    auto& search = *static_cast<ModuleSearch*>(data);
-    for (ElfW(Half) i = 0; i < info->dlpi_phnum; ++i) {
+int AddObject(dl_phdr_info* info, std::size_t, void* data) {
+    auto& objects = *static_cast<ObjectAddresses*>(data);
+    if (objects.skipped > 0) {
+        --objects.skipped;
+        return 0;
+    }
+    const void*& address = objects.addresses[objects.count++];
+    for (ElfW(Half) i = 0; i < info->dlpi_phnum && address == nullptr; ++i) {
         if (info->dlpi_phdr[i].p_type == PT_LOAD) {
-            Dl_info symbol;
-            void* entry = nullptr;
-            const auto* address =
-                reinterpret_cast<const void*>(info->dlpi_addr + info->dlpi_phdr[i].p_vaddr);
-            search.found =
-                dladdr1(address, &symbol, &entry, RTLD_DL_LINKMAP) != 0 && entry == search.module;
-            return search.found ? 1 : 0;
+            address = reinterpret_cast<const void*>(info->dlpi_addr + info->dlpi_phdr[i].p_vaddr);
         }
     }
-    return 0;
+    return objects.count == objects.addresses.size() ? 1 : 0;
+}
+
+/// What dlopen gives for a module is the address of its entry in the list of the dynamic linker.
+/// Each loaded object's entry is asked for when the walk over the objects is over: the walk holds
+/// a lock that a thread in dlopen waits for while it holds the one of asking.
+bool IsModule(const void* module) {
+    for (std::size_t seen = 0;;) {
+        ObjectAddresses objects{seen};
+        dl_iterate_phdr(AddObject, &objects);
+        for (std::size_t i = 0; i < objects.count; ++i) {
+            Dl_info symbol;
+            void* entry = nullptr;
+            if (dladdr1(objects.addresses[i], &symbol, &entry, RTLD_DL_LINKMAP) != 0 &&
+                entry == module) {
+                return true;
+            }
+        }
+        if (objects.count < objects.addresses.size()) {
+            return false;
+        }
+        seen += objects.count;
+    }
 }
 
 }  // namespace
@@ -58,9 +79,7 @@ std::optional<std::u16string_view> FindString(const StringTable& table, std::int
 }
 
 std::optional<std::u16string_view> FindModuleString(const void* module, std::int32_t id) noexcept {
-    ModuleSearch search{module};
-    dl_iterate_phdr(CompareModule, &search);
-    if (!search.found) {
+    if (!IsModule(module)) {
         return std::nullopt;
     }
     const auto* table = static_cast<const StringTable*>(
