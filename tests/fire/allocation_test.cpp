@@ -14,6 +14,7 @@
 #include "allocations.h"
 #include "collection_lives.h"
 #include "described_call.h"
+#include "drawing_life.h"
 #include "frame/bstr_text.h"
 #include "frame/interface_descriptions.h"
 #include "itd/sample_file.h"
@@ -223,6 +224,11 @@ TEST(Allocations, Collections) {
     FailEachInBalance("The life of a set, a stack, a dictionary and a sort",
                       [&] { return LiveWithCollections(text.Get(), compare); });
     ReleaseHandle(compare);
+}
+
+TEST(Allocations, Drawing) {
+    const Bstr text(u"a text \u05D0\u05D1");
+    FailEachInBalance("The life of a picture", [&] { return LiveWithDrawing(text.Get()); });
 }
 
 TEST(Allocations, ItdClasses) {

@@ -9,6 +9,7 @@
 
 #include "collection_lives.h"
 #include "described_call.h"
+#include "drawing_life.h"
 #include "project.h"
 #include "rounds.h"
 
@@ -122,6 +123,7 @@ TEST(Threads, EightGiveTheAnswersOfOne) {
         for (int round = 0; round < rounds; ++round) {
             AskStringUtils(answers);
             AskCollections(answers);
+            answers.Add(LiveWithDrawing(Bstr(u"a text \u05D0 \u4E2D\u0301").Get(), &answers.all));
             AskExtViewHelper(answers, project, folder.Path(name));
         }
     };

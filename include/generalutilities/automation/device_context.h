@@ -24,20 +24,23 @@ using COLORREF = std::uint32_t;
 /// configuration: a family that is not there is replaced by one that is, and characters that it
 /// lacks come from others.
 struct LOGFONT {
-    std::int32_t lfHeight;  ///< letter height in device units; its sign does not matter, 0 is 16
-    std::int32_t lfWidth;   ///< this and the two angles below are kept and not used
-    std::int32_t lfEscapement;
-    std::int32_t lfOrientation;
-    std::int32_t lfWeight;  ///< 700 and more is bold
-    std::uint8_t lfItalic;  ///< any value but 0, as with the next two
-    std::uint8_t lfUnderline;
-    std::uint8_t lfStrikeOut;
-    std::uint8_t lfCharSet;  ///< 128, 129, 134 and 136 choose the Han forms of ja, ko, zh-CN, zh-TW
-    std::uint8_t lfOutPrecision;  ///< this and the next two are kept and not used
-    std::uint8_t lfClipPrecision;
-    std::uint8_t lfQuality;
-    std::uint8_t lfPitchAndFamily;  ///< what replaces a missing family: fixed (1), roman (0x10) ...
-    char lfFaceName[32];            ///< the family, in code page 1252, ended by a zero byte
+    /// Height of the letters in device units; its sign does not matter, 0 stands for 16.
+    std::int32_t lfHeight = 0;
+    std::int32_t lfWidth = 0;  ///< this and the two angles below are kept and not used
+    std::int32_t lfEscapement = 0;
+    std::int32_t lfOrientation = 0;
+    std::int32_t lfWeight = 0;  ///< 700 and more is bold
+    std::uint8_t lfItalic = 0;  ///< any value but 0, as with the next two
+    std::uint8_t lfUnderline = 0;
+    std::uint8_t lfStrikeOut = 0;
+    /// 128, 129, 134 and 136 choose the Han forms of Japanese, Korean and the two Chinese scripts.
+    std::uint8_t lfCharSet = 0;
+    std::uint8_t lfOutPrecision = 0;  ///< this and the next two are kept and not used
+    std::uint8_t lfClipPrecision = 0;
+    std::uint8_t lfQuality = 0;
+    /// What replaces a missing family: 1 or 0x30 fixed, 0x10 with serifs, all else without.
+    std::uint8_t lfPitchAndFamily = 0;
+    char lfFaceName[32] = {};  ///< the family, in code page 1252, ended by a zero byte
 };
 static_assert(sizeof(LOGFONT) == 60);
 
