@@ -26,6 +26,7 @@ enum class CodePageService {
     BuiltIn  ///< a rule of our own
 };
 
+/// A number that is known, and what serves it.
 struct CodePageDescription {
     std::uint32_t number;
     CodePageService service;

@@ -44,6 +44,7 @@ struct DatabaseFailure {
 /// A text is a view into the recordset, valid until that recordset moves, changes or closes.
 using FieldValue = std::variant<std::monostate, bool, std::int32_t, double, std::u16string_view>;
 
+/// How rows are opened.
 enum class RecordsetType : std::int32_t {
     Table = 1,    ///< a whole table by name; has `SetIndex` and `Seek`
     Dynaset = 2,  ///< a query: membership is fixed at opening, values are read live at each row

@@ -15,9 +15,11 @@ constexpr HRESULT MakeStatus(std::uint32_t value) {
     return static_cast<HRESULT>(value);
 }
 
+/// Whether a status is no failure; a negative answer (S_FALSE) is none.
 constexpr bool Succeeded(HRESULT status) {
     return status >= 0;
 }
+/// Whether a status is a failure.
 constexpr bool Failed(HRESULT status) {
     return status < 0;
 }

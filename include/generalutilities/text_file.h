@@ -7,6 +7,7 @@
 /// The writer of the export files: text in, bytes of one of two formats out.
 namespace generalutilities {
 
+/// The formats, by their published numbers.
 enum class TextFileFormat : std::int32_t {
     OneByte = 8,   ///< the low byte of each code unit
     Utf8 = 65001,  ///< UTF-8 without a byte order mark; an unpaired surrogate becomes U+FFFD

@@ -58,11 +58,12 @@ extern "C" {
 /// A context over a new image of 1 to 32,767 device units each way.
 GENERALUTILITIES_API HRESULT CreateImageDeviceContext(std::int32_t width, std::int32_t height,
                                                       std::int32_t* context) noexcept;
-/// A context over a PDF or SVG file of one page, of 1 to 1,000,000 device units each way. An
+/// A context over a PDF file of one page, of 1 to 1,000,000 device units each way. An
 /// existing file of that name is replaced. The file is complete when the context has been closed.
 GENERALUTILITIES_API HRESULT CreatePdfDeviceContext(const char16_t* path, std::int32_t width,
                                                     std::int32_t height,
                                                     std::int32_t* context) noexcept;
+/// The same over an SVG file.
 GENERALUTILITIES_API HRESULT CreateSvgDeviceContext(const char16_t* path, std::int32_t width,
                                                     std::int32_t height,
                                                     std::int32_t* context) noexcept;
@@ -73,10 +74,12 @@ GENERALUTILITIES_API HRESULT CreateCairoDeviceContext(void* cairo, std::int32_t*
 /// Selects a font; a new context has letters of 16 units of the default family. The font is copied.
 GENERALUTILITIES_API HRESULT SelectDeviceContextFont(std::int32_t context,
                                                      const LOGFONT* font) noexcept;
+/// A copy of the font that is selected.
 GENERALUTILITIES_API HRESULT GetDeviceContextFont(std::int32_t context, LOGFONT* font) noexcept;
 /// The colour of text; black in a new context.
 GENERALUTILITIES_API HRESULT SetDeviceContextTextColor(std::int32_t context,
                                                        COLORREF color) noexcept;
+/// The colour that text is drawn in.
 GENERALUTILITIES_API HRESULT GetDeviceContextTextColor(std::int32_t context,
                                                        COLORREF* color) noexcept;
 

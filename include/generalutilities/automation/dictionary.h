@@ -6,6 +6,7 @@
 /// hands over its own, or the small one that CoCreateInstance(CLSID_Dictionary) gives.
 namespace generalutilities {
 
+/// How a dictionary compares texts that are keys.
 enum CompareMethod : std::int32_t {
     BinaryCompare = 0,
     TextCompare = 1,  ///< case of texts does not count

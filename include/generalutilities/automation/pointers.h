@@ -128,6 +128,7 @@ class Variant {
     VARIANT value{};
 };
 
+/// Ends an array for its owner.
 struct ArrayDestroyer {
     void operator()(SAFEARRAY* array) const { SafeArrayDestroy(array); }
 };

@@ -12,11 +12,13 @@
 /// call only; it has to live as long as the module is loaded.
 namespace generalutilities {
 
+/// One text.
 struct StringTableEntry {
     std::int32_t id;       ///< 0 to 65535; the order of entries is free
     const char16_t* text;  ///< ends with a zero unit; null counts as empty
 };
 
+/// All texts of a module.
 struct StringTable {
     const StringTableEntry* entries;
     std::uint32_t count;

@@ -6,6 +6,7 @@
 /// writing registers a class factory of its own for `CLSID_TextFileFactory`.
 namespace generalutilities {
 
+/// An open text file. Export files are written by `Write` and `Close` alone.
 struct ITextFileStream : IDispatch {
     virtual HRESULT get_Line(std::int32_t* line) noexcept = 0;
     virtual HRESULT get_Column(std::int32_t* column) noexcept = 0;
@@ -23,6 +24,7 @@ struct ITextFileStream : IDispatch {
     virtual HRESULT Close() noexcept = 0;
 };
 
+/// Opens text files.
 struct ITextFileFactory : IDispatch {
     /// Opens `path`: `mode` 2 writes, `create` 1 makes the file; no other values are known.
     /// `format` is a value of `TextFileFormat`.

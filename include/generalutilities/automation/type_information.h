@@ -16,6 +16,7 @@ using MEMBERID = DISPID;
 using HREFTYPE = std::uint32_t;
 inline constexpr MEMBERID MEMBERID_NIL = -1;
 
+/// What a type is.
 enum TYPEKIND : std::int32_t {
     TKIND_ENUM = 0,
     TKIND_RECORD = 1,
@@ -47,16 +48,22 @@ enum : std::uint16_t {
     PARAMFLAG_FHASDEFAULT = 0x20,
 };
 
+/// How a function is reached.
 enum FUNCKIND : std::int32_t { FUNC_PUREVIRTUAL = 1, FUNC_DISPATCH = 4 };
+/// What a function is to its caller.
 enum INVOKEKIND : std::int32_t {
     INVOKE_FUNC = 1,
     INVOKE_PROPERTYGET = 2,
     INVOKE_PROPERTYPUT = 4,
     INVOKE_PROPERTYPUTREF = 8,
 };
+/// How a function is called: in the one way of the platform.
 enum CALLCONV : std::int32_t { CC_STDCALL = 4 };
+/// What a variable is.
 enum VARKIND : std::int32_t { VAR_PERINSTANCE = 0, VAR_CONST = 2 };
+/// The system that a library was made for.
 enum SYSKIND : std::int32_t { SYS_WIN32 = 1, SYS_WIN64 = 3 };
+/// What a search by name found: nothing, as the library offers no such search.
 enum DESCKIND : std::int32_t { DESCKIND_NONE = 0 };
 
 /// A type: for VT_PTR and VT_SAFEARRAY `lptdesc` says of what, for VT_USERDEFINED `hreftype` names
@@ -70,22 +77,26 @@ struct TYPEDESC {
     VARTYPE vt;
 };
 
+/// The declared default of an argument.
 struct PARAMDESCEX {
     std::uint32_t cBytes;
     VARIANT varDefaultValue;
 };
 
+/// How an argument travels: PARAMFLAG bits, and its default.
 struct PARAMDESC {
     PARAMDESCEX* pparamdescex;  ///< the declared default; null without PARAMFLAG_FHASDEFAULT
     std::uint16_t wParamFlags;
 };
 
+/// The type of an argument, a result or a field.
 struct ELEMDESC {
     TYPEDESC tdesc;
     PARAMDESC paramdesc;
 };
 static_assert(sizeof(TYPEDESC) == 16 && sizeof(PARAMDESC) == 16 && sizeof(ELEMDESC) == 32);
 
+/// A function of a type.
 struct FUNCDESC {
     MEMBERID memid;
     std::int32_t* lprgscode;
@@ -101,6 +112,7 @@ struct FUNCDESC {
     std::uint16_t wFuncFlags;
 };
 
+/// A field of a record, or a constant of an enumeration.
 struct VARDESC {
     MEMBERID memid;
     char16_t* lpstrSchema;
@@ -113,6 +125,7 @@ struct VARDESC {
     VARKIND varkind;
 };
 
+/// The attributes of a type.
 struct TYPEATTR {
     GUID guid;
     LCID lcid;
@@ -137,6 +150,7 @@ struct TYPEATTR {
     } idldescType;
 };
 
+/// The attributes of a type library.
 struct TLIBATTR {
     GUID guid;
     LCID lcid;
@@ -149,6 +163,8 @@ struct TLIBATTR {
 struct ITypeLib;
 struct ITypeComp;
 
+/// One type: its members with their names, arguments and words. TYPE_E_ELEMENTNOTFOUND for a member
+/// or an index that it does not have.
 struct ITypeInfo : IUnknown {
     virtual HRESULT GetTypeAttr(TYPEATTR** attributes) noexcept = 0;
     virtual HRESULT GetTypeComp(ITypeComp** comp) noexcept = 0;
@@ -179,6 +195,7 @@ struct ITypeInfo : IUnknown {
 };
 inline constexpr IID IID_ITypeInfo = MakeGuid("{00020401-0000-0000-C000-000000000046}");
 
+/// A type library: its types by index, identifier and name. TYPE_E_ELEMENTNOTFOUND for none.
 struct ITypeLib : IUnknown {
     virtual std::uint32_t GetTypeInfoCount() noexcept = 0;
     virtual HRESULT GetTypeInfo(std::uint32_t index, ITypeInfo** info) noexcept = 0;

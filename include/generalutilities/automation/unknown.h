@@ -13,6 +13,8 @@ namespace generalutilities {
 
 struct ITypeInfo;
 
+/// What every object answers: its other interfaces, and the count of references to it. The object
+/// ends with its last reference.
 struct IUnknown {
     /// Success puts a new reference into `object`, failure a null pointer.
     virtual HRESULT QueryInterface(REFIID iid, void** object) noexcept = 0;
@@ -57,6 +59,7 @@ struct EXCEPINFO {
     HRESULT scode;
 };
 
+/// Late binding: members by name, and calls with arguments that carry their types.
 struct IDispatch : IUnknown {
     virtual HRESULT GetTypeInfoCount(std::uint32_t* count) noexcept = 0;
     virtual HRESULT GetTypeInfo(std::uint32_t index, LCID lcid, ITypeInfo** info) noexcept = 0;
@@ -69,17 +72,20 @@ struct IDispatch : IUnknown {
 };
 inline constexpr IID IID_IDispatch = MakeGuid("{00020400-0000-0000-C000-000000000046}");
 
+/// Makes the objects of a class. `outer` is the object that is to hold the new one, or null.
 struct IClassFactory : IUnknown {
     virtual HRESULT CreateInstance(IUnknown* outer, REFIID iid, void** object) noexcept = 0;
     virtual HRESULT LockServer(std::int32_t lock) noexcept = 0;
 };
 inline constexpr IID IID_IClassFactory = MakeGuid("{00000001-0000-0000-C000-000000000046}");
 
+/// Tells whether the failures of an interface leave an error object: S_OK or S_FALSE.
 struct ISupportErrorInfo : IUnknown {
     virtual HRESULT InterfaceSupportsErrorInfo(REFIID iid) noexcept = 0;
 };
 inline constexpr IID IID_ISupportErrorInfo = MakeGuid("{DF0B3D60-548F-101B-8E65-08002B2BD119}");
 
+/// The words about a failure. The strings belong to the caller.
 struct IErrorInfo : IUnknown {
     virtual HRESULT GetGUID(GUID* guid) noexcept = 0;
     virtual HRESULT GetSource(BSTR* source) noexcept = 0;
@@ -89,6 +95,7 @@ struct IErrorInfo : IUnknown {
 };
 inline constexpr IID IID_IErrorInfo = MakeGuid("{1CF2B120-547D-101B-8E65-08002B2BD119}");
 
+/// Fills in an error object; the texts are copied.
 struct ICreateErrorInfo : IUnknown {
     virtual HRESULT SetGUID(REFGUID guid) noexcept = 0;
     virtual HRESULT SetSource(char16_t* source) noexcept = 0;
@@ -98,6 +105,8 @@ struct ICreateErrorInfo : IUnknown {
 };
 inline constexpr IID IID_ICreateErrorInfo = MakeGuid("{22F03340-547D-101B-8E65-08002B2BD119}");
 
+/// Walks a collection. `Next` gives S_FALSE when there are fewer values than were asked for; the
+/// values belong to the caller.
 struct IEnumVARIANT : IUnknown {
     virtual HRESULT Next(std::uint32_t count, VARIANT* values, std::uint32_t* fetched) noexcept = 0;
     virtual HRESULT Skip(std::uint32_t count) noexcept = 0;
@@ -109,11 +118,13 @@ inline constexpr IID IID_IEnumVARIANT = MakeGuid("{00020404-0000-0000-C000-00000
 struct IConnectionPoint;
 struct IConnectionPointContainer;
 
+/// A connected sink, with the number by which it can be disconnected.
 struct CONNECTDATA {
     IUnknown* pUnk;
     std::uint32_t dwCookie;
 };
 
+/// Walks the sinks of a connection point.
 struct IEnumConnections : IUnknown {
     virtual HRESULT Next(std::uint32_t count, CONNECTDATA* data,
                          std::uint32_t* fetched) noexcept = 0;
@@ -123,6 +134,8 @@ struct IEnumConnections : IUnknown {
 };
 inline constexpr IID IID_IEnumConnections = MakeGuid("{B196B287-BAB4-101A-B69C-00AA00341D07}");
 
+/// Where sinks of one event interface connect. `Advise` gives a number that is never 0, and
+/// CONNECT_E_CANNOTCONNECT for a sink without the interface; `Unadvise` takes it back.
 struct IConnectionPoint : IUnknown {
     virtual HRESULT GetConnectionInterface(IID* iid) noexcept = 0;
     virtual HRESULT GetConnectionPointContainer(IConnectionPointContainer** container) noexcept = 0;
@@ -132,6 +145,7 @@ struct IConnectionPoint : IUnknown {
 };
 inline constexpr IID IID_IConnectionPoint = MakeGuid("{B196B286-BAB4-101A-B69C-00AA00341D07}");
 
+/// Walks the connection points of an object.
 struct IEnumConnectionPoints : IUnknown {
     virtual HRESULT Next(std::uint32_t count, IConnectionPoint** points,
                          std::uint32_t* fetched) noexcept = 0;
@@ -141,6 +155,8 @@ struct IEnumConnectionPoints : IUnknown {
 };
 inline constexpr IID IID_IEnumConnectionPoints = MakeGuid("{B196B285-BAB4-101A-B69C-00AA00341D07}");
 
+/// The event interfaces of an object. CONNECT_E_NOCONNECTION for an interface that it does not
+/// fire.
 struct IConnectionPointContainer : IUnknown {
     virtual HRESULT EnumConnectionPoints(IEnumConnectionPoints** points) noexcept = 0;
     virtual HRESULT FindConnectionPoint(REFIID iid, IConnectionPoint** point) noexcept = 0;

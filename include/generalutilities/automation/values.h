@@ -138,6 +138,7 @@ static_assert(offsetof(SAFEARRAY, pvData) == 16 && offsetof(SAFEARRAY, rgsabound
 
 /// A value that carries its type. `vt` says which member of the union holds.
 struct VARIANT {
+    /// A record and the description of its type.
     struct Record {
         void* pvRecord;
         void* pRecInfo;

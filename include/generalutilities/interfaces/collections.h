@@ -35,6 +35,7 @@ struct ILongStack : IDispatch {
 };
 inline constexpr IID IID_ILongStack = MakeGuid("{4D40AB33-E978-42C6-B344-D86029FEE512}");
 
+/// The modes of a dictionary; `dctmBinaryCompare` is the one that acts.
 enum qlnCompareMethod : std::int32_t {
     dctmBinaryCompare = 0,
     dctmTextCompare = 1,

@@ -12,6 +12,7 @@
 /// New text in the segments of a document: what `ITDWriter` does.
 namespace generalutilities {
 
+/// A placeholder of segment text: its number, and where it stands, in code units.
 struct Placeholder {
     std::int32_t number = 0;  ///< its low 32 bits; 0 for "{}"
     std::size_t start = 0;

@@ -33,6 +33,7 @@ std::u16string CommentOf(std::u16string_view commentString);
 
 /// The two binary forms of what surrounds the records.
 std::u16string BinaryHeaderOf(const ItdDocument& document);
+/// What stands behind the records.
 std::u16string BinaryFooterOf(const ItdDocument& document);
 
 /// Swaps the columns of a document whose file line names the header's target language: the file
@@ -43,6 +44,7 @@ bool PutSourceFirst(ItdDocument& document, std::u16string_view targetLanguage);
 /// on the way.
 class ItdWalk {
   public:
+    /// A segment as `ITDReader` tells it.
     struct Segment {
         ItdColumn source;
         ItdColumn target;

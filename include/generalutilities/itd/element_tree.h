@@ -20,6 +20,7 @@ struct ItdAttribute {
     std::uint32_t valueEnd = 0;    ///< behind the closing quote
 };
 
+/// An element; `nameStart` to `closeEnd` are positions of its parts.
 struct ItdElement {
     std::uint32_t nameStart = 0;
     std::uint32_t nameEnd = 0;

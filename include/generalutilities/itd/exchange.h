@@ -13,10 +13,11 @@
 /// The forms in which the segments of a bilingual document go to a translator and come back.
 namespace generalutilities {
 
+/// The forms in which segments are exchanged.
 enum class ExchangeForm {
     Tsv,        ///< a table with a heading: segment, source, target, status, score, comment
     JsonLines,  ///< an object a line with the same names
-    Xliff,      ///< XLIFF 1.2; codes are <ph> elements
+    Xliff,      ///< XLIFF 1.2; codes are its `ph` elements
 };
 
 /// The form that a file's ending tells: .tsv, .jsonl, .xlf or .xliff.
@@ -29,6 +30,7 @@ struct ExchangeHeading {
     std::u16string targetLanguage;
 };
 
+/// A segment as it goes out.
 struct ExchangeSegment {
     std::uint32_t number = 0;  ///< in the order of the document, from 1
     SegmentPieces source;
@@ -62,6 +64,7 @@ struct TranslationRow {
     std::string fault;     ///< why the row cannot be used; empty for a good one
 };
 
+/// Reads rows as they come.
 class ExchangeReader {
   public:
     virtual ~ExchangeReader() = default;

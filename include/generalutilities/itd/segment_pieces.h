@@ -20,6 +20,7 @@ using SegmentPieces = std::vector<SegmentPiece>;
 
 /// Adds characters behind the last piece.
 void AppendText(SegmentPieces& pieces, std::u16string_view text);
+/// Adds a code behind the last piece.
 void AppendCode(SegmentPieces& pieces, std::uint32_t code);
 
 /// Segment text: "{n}" is the code n, and a backslash stands before each "\", "{" and "}" that is a

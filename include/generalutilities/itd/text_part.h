@@ -101,6 +101,7 @@ inline std::size_t ReadItdRecord(std::u16string_view stream, ItdRecord& record) 
 ///     for (const ItdRecord& record : segment) ...
 class ItdSegment {
   public:
+    /// Reads one record after the other.
     class Iterator {
       public:
         using value_type = ItdRecord;
@@ -197,6 +198,7 @@ struct ItdLanguageCodePlace {
     std::size_t start = 0;
     std::size_t length = 0;
 };
+/// The first place; nothing without one.
 std::optional<ItdLanguageCodePlace> FindLanguageCode(std::u16string_view text);
 
 /// The language code of the first file line in the first segment; empty when there is none.

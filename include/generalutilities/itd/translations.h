@@ -24,6 +24,7 @@ namespace generalutilities {
 /// Gives every segment, in order. The document is walked and comes back as it was.
 void ExtractSegments(ItdDocument& document, const std::function<void(const ExchangeSegment&)>& use);
 
+/// What became of a row.
 enum class TranslationOutcome {
     Applied,
     Unchanged,      ///< the document has this translation already
@@ -31,6 +32,7 @@ enum class TranslationOutcome {
     Refused,
 };
 
+/// A row, and what became of it.
 struct AppliedRow {
     TranslationOutcome outcome = TranslationOutcome::Refused;
     std::uint32_t segment = 0;  ///< from 1; 0 where the row names none

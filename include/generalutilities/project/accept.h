@@ -36,6 +36,7 @@ void ReadReimportedRows(Database& database, const std::function<void(const Reimp
 /// do.
 std::optional<std::int32_t> LanguageOfReimport(Database& database);
 
+/// What is taken over, and how strictly.
 struct AcceptOptions {
     std::int32_t langId = 0;
     /// Only these identifiers; empty: all rows.
@@ -45,6 +46,7 @@ struct AcceptOptions {
     bool dryRun = false;             ///< decide and report, and change nothing
 };
 
+/// What became of a row.
 enum class AcceptOutcome {
     Taken,        ///< taken over
     Unchanged,    ///< nothing to take over
@@ -63,6 +65,7 @@ struct AcceptedRow {
     bool sourceEdited = false;          ///< the reviewer changed the source, which stays as it was
 };
 
+/// The counts of a run.
 struct AcceptSummary {
     std::uint64_t rows = 0;  ///< rows of `Reimporting` that were looked at
     std::uint64_t taken = 0;

@@ -22,6 +22,7 @@ struct LanguageCounts {
     std::map<std::int32_t, std::uint64_t> rowsPerStatusBit;
 };
 
+/// A file of the project, and how many segments it has.
 struct FileCounts {
     std::int32_t id = 0;
     std::u16string name;
@@ -29,6 +30,7 @@ struct FileCounts {
     std::uint64_t rows = 0;
 };
 
+/// All counts of a project.
 struct ProjectInfo {
     std::int32_t sourceLanguage = 0;
     std::uint64_t rows = 0;  ///< segments, without the lexicon

@@ -44,6 +44,7 @@ class RowSource {
     virtual std::vector<std::string> Notes() const { return {}; }
 };
 
+/// What a new project is like.
 struct CreateOptions {
     std::int32_t sourceLanguage = 1033;
     /// Target languages besides those of the sources; their columns are empty.
@@ -53,6 +54,7 @@ struct CreateOptions {
     std::function<void(int percent)> progress;
 };
 
+/// What a new project holds.
 struct CreateResult {
     std::uint64_t rows = 0;
     std::uint64_t lexiconRows = 0;

@@ -53,6 +53,7 @@ struct ReviewedRow {
     bool codesDifferedBefore = false;  ///< the stored target had the same differences
 };
 
+/// The counts of a file.
 struct ReviewSummary {
     std::uint64_t rows = 0;  ///< all rows of the file but the heading
     std::uint64_t unchanged = 0;

@@ -16,7 +16,8 @@ namespace generalutilities {
 enum class TextForm {
     Segment,      ///< segment text already; taken as it is
     Plain,        ///< plain text: "\", "{" and "}" are escaped, and nothing is a code
-    Placeholders  ///< plain text whose placeholders (%s, %(name)s, {name}, <b>) become codes
+    Placeholders  ///< plain text whose placeholders (`%s`, `%(name)s`, `{name}`, `<b>`) become
+                  ///< codes
 };
 
 /// Makes segment text of plain texts that belong together: a source and its translations.

@@ -15,6 +15,7 @@
 /// all with examples.
 namespace generalutilities {
 
+/// What a tag is by its name.
 enum class TagKind {
     CodeElement,     ///< named "ut", with its content
     OpeningFontTag,  ///< the name begins with "df"

@@ -22,6 +22,7 @@ struct DetectedEncoding {
     std::int32_t confidence;  ///< 1 to 100: how likely this reading is among all that there are
 };
 
+/// What is known of the bytes.
 enum class DetectionStatus {
     Language,    ///< the best reading has a language
     NoLanguage,  ///< it has none
@@ -29,11 +30,13 @@ enum class DetectionStatus {
                  ///< bytes that look like no text at all
 };
 
+/// What a run found.
 struct Detection {
     DetectionStatus status = DetectionStatus::Failed;
     std::vector<DetectedEncoding> encodings;  ///< the best first; empty when detection failed
 };
 
+/// How the bytes are read.
 enum class DetectionMode {
     PlainText,
     Markup  ///< tags, character references, scripts and style sheets do not count

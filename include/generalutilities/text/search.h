@@ -7,6 +7,7 @@
 /// Finding a string in a string, without any locale of the machine.
 namespace generalutilities {
 
+/// How strings are compared.
 struct SearchOptions {
     /// Compare code units exactly. Both strings then count up to their first U+0000 (the text from
     /// the place where the search starts). Else case is folded by the library's own tables, U+00DF
