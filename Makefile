@@ -3,7 +3,8 @@
 PRESET ?= release
 BUILD  := build/$(PRESET)
 
-.PHONY: all demo test build packages format format-check lint bench detection-rates fuzz clean
+.PHONY: all demo test build packages manual reference package format format-check lint bench \
+        detection-rates fuzz clean
 
 all: build
 
@@ -24,6 +25,13 @@ test: build
 
 bench: build
 	@for program in $(BUILD)/bench/*-bench; do $$program || exit 1; done
+
+# The manual in HTML, the manual page and the completions; the reference of the public headers. Into
+# build/release/documents.
+manual reference: build
+	@tools/install_packages.sh tools/packaging-packages.txt
+	cmake --preset $(PRESET) >/dev/null
+	cmake --build --preset $(PRESET) --target $@
 
 # How often code page and language are told right, on texts of Debian's packages (docs/code-pages.md).
 detection-rates: build

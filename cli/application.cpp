@@ -85,12 +85,9 @@ std::string DescribeUnknown(const CLI::App& app) {
 }
 
 ExitCode ParseAndRun(int argc, const char* const* argv, Console& console) {
-    CLI::App app("The general utilities library from the command line", "genutil");
-    app.footer(Overview);
-    app.set_version_flag("--version", "genutil " GENUTIL_VERSION);
-    app.require_subcommand(1);
+    CLI::App app;
     CommandContext context{console, {}};
-    AddCommands(app, context);
+    AddEverything(app, context);
 
     try {
         app.parse(argc, argv);
@@ -119,6 +116,15 @@ ExitCode ParseAndRun(int argc, const char* const* argv, Console& console) {
 }
 
 }  // namespace
+
+void AddEverything(CLI::App& app, CommandContext& context) {
+    app.name("genutil");
+    app.description("The general utilities library from the command line");
+    app.footer(Overview);
+    app.set_version_flag("--version", "genutil " GENUTIL_VERSION);
+    app.require_subcommand(1);
+    AddCommands(app, context);
+}
 
 ExitCode RunApplication(int argc, const char* const* argv, Console& console) {
     ExitCode code = ExitCode::Failed;

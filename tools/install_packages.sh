@@ -1,12 +1,13 @@
 #!/usr/bin/env bash
-# Installs the Debian packages of tools/debian-packages.txt that are missing; quiet when none is.
+# Installs the Debian packages of tools/debian-packages.txt, or of the lists that are given, that are
+# missing; quiet when none is.
 set -euo pipefail
-list="$(dirname "$0")/debian-packages.txt"
+[ $# -gt 0 ] || set -- "$(dirname "$0")/debian-packages.txt"
 missing=()
 while read -r package; do
     case "$package" in ''|'#'*) continue ;; esac
     dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q 'install ok installed' || missing+=("$package")
-done <"$list"
+done < <(cat "$@")
 [ ${#missing[@]} -eq 0 ] && exit 0
 
 as_root=()
