@@ -345,17 +345,19 @@ void ReviewWalk::SkipStarred(std::uint32_t end) {
 }
 
 /// Leaves out a group from its first word up to its closing brace. A group that never ends stays,
-/// with everything behind it.
+/// with everything behind it, in a table; in a bilingual document the copy ends there, since nobody
+/// would follow its segments any further.
 void ReviewWalk::DropDestination(std::uint32_t from, ReviewFinding finding) {
     bool closed = false;
-    const std::uint32_t end = GroupEnd(from, closed);
-    if (!closed) {
-        position = pager.FileSize();
+    const std::uint32_t behind = GroupEnd(from, closed);
+    if (!closed && !bilingual) {
+        position = behind;
         return;
     }
+    const std::uint32_t end = closed ? behind - 1 : behind;
     Report(finding, position);
-    copy.Drop(position, end - 1);
-    position = end - 1;
+    copy.Drop(position, end);
+    position = end;
 }
 
 std::uint32_t ReviewWalk::GroupEnd(std::uint32_t start, bool& closed) {

@@ -123,6 +123,11 @@ void TwbReview::Fallback(std::int32_t style, std::uint32_t from, std::uint32_t t
     const std::uint32_t textBefore = std::exchange(textEnd, to);
     const bool isParted = kind != runKind || textBefore != from;
     if (isParted) {
+        if (place == Place::Ended && !run.empty()) {
+            // The end mark cannot go behind this text: its first character would be the fallback.
+            TellOutside(run.front().from);
+            Leave(std::exchange(run, {}));
+        }
         EndRun();
     } else if (!run.empty() && run.back().end == from) {
         run.back().end = to;
