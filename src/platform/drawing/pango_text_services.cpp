@@ -27,13 +27,16 @@ constexpr std::int32_t MaxTwips = 32760;
 constexpr std::int32_t DefaultTwips = 240;
 /// Cairo's coordinates and Pango's lengths end a little behind it.
 constexpr std::int32_t MaxCoordinate = 1 << 20;
-/// Bytes of UTF-8 that go to Pango at once: at first, and at least. A long paragraph goes by some
-/// lines at once. A line with more bytes than fit any width is broken there: a letter can have any
-/// number of marks, and the time that these take is the square of their number.
+/// Bytes of UTF-8 that go to Pango at once: at first, where lines are short, and at least. A long
+/// paragraph goes by some lines at once. A line with more bytes than fit any width is broken there:
+/// a letter can have any number of marks, and the time that these take is the square of their
+/// number.
 constexpr std::size_t FirstPiece = 1024;
 constexpr std::size_t LeastPiece = 64;
 constexpr std::size_t LongestLine = 16384;
 constexpr std::size_t LinesPerPiece = 8;
+/// A square letter of three bytes makes the longest lines that there usually are.
+constexpr std::size_t BytesPerLetter = 3;
 
 /// Numbers formats, so that a thread's layout knows which one it has.
 std::atomic<std::uint64_t> lastFormat = 0;
@@ -115,6 +118,8 @@ class PangoTextServices final : public TextServices {
     std::string text;
     CHARFORMAT2W format{};
     std::uint64_t formatNumber = 0;
+    std::int64_t letterHeight = 0;  ///< in Pango's units
+    std::size_t firstPiece = 0;     ///< of a paragraph, for the width that is set
     FontDescription font;
     Attributes attributes;
     TabArray tabs;
@@ -134,11 +139,11 @@ void PangoTextServices::FetchFormat() {
     format = *given;
     formatNumber = ++lastFormat;
 
-    const std::int32_t twips = std::clamp(format.yHeight, -MaxTwips, MaxTwips);
+    const std::int32_t twips = std::abs(std::clamp(format.yHeight, -MaxTwips, MaxTwips));
+    letterHeight = ToPango(twips == 0 ? DefaultTwips : twips);
     font.reset(library.pango_font_description_new());
     library.pango_font_description_set_family(font.get(), families.c_str());
-    library.pango_font_description_set_absolute_size(
-        font.get(), static_cast<double>(ToPango(twips == 0 ? DefaultTwips : std::abs(twips))));
+    library.pango_font_description_set_absolute_size(font.get(), static_cast<double>(letterHeight));
     library.pango_font_description_set_weight(
         font.get(), (format.dwEffects & CFE_BOLD) != 0 ? PANGO_WEIGHT_BOLD : PANGO_WEIGHT_NORMAL);
     library.pango_font_description_set_style(
@@ -177,9 +182,12 @@ ThreadLayout& PangoTextServices::Prepare(cairo_t* cairo, std::int32_t width) {
     }
     std::uint32_t bits = 0;
     host.TxGetPropertyBits(TXTBIT_WORDWRAP, &bits);
-    library.pango_layout_set_width(layout, (bits & TXTBIT_WORDWRAP) != 0
-                                               ? std::clamp(width, 0, MaxCoordinate) * PANGO_SCALE
-                                               : -1);
+    const std::int64_t length = std::int64_t{std::clamp(width, 0, MaxCoordinate)} * PANGO_SCALE;
+    library.pango_layout_set_width(layout,
+                                   (bits & TXTBIT_WORDWRAP) != 0 ? static_cast<int>(length) : -1);
+    firstPiece = std::clamp(
+        LinesPerPiece / 2 * BytesPerLetter * static_cast<std::size_t>(length / letterHeight),
+        FirstPiece, 2 * LongestLine);
     return thread;
 }
 
@@ -228,7 +236,7 @@ void PangoTextServices::ForEachLine(ThreadLayout& thread, const Use& use) {
     PangoLayout* const layout = thread.layout.get();
     bool goOn = true;
     bool continued = false;
-    std::size_t size = FirstPiece;
+    std::size_t size = firstPiece;
     for (std::size_t start = 0; goOn;) {
         const Piece piece = PieceAt(start, size, continued);
         library.pango_layout_set_text(layout, text.data() + start,
@@ -248,7 +256,7 @@ void PangoTextServices::ForEachLine(ThreadLayout& thread, const Use& use) {
             break;
         }
         const std::size_t pieceStart = std::exchange(start, piece.end);
-        size = FirstPiece;
+        size = firstPiece;
         if (used < lines) {
             const PangoLayoutLine* const next =
                 library.pango_layout_iter_get_line_readonly(line.get());
