@@ -49,7 +49,7 @@ std::size_t ReadTable(const Table& table) {
 
 /// Reading a bilingual document beside reading a table of as many bytes.
 std::vector<Goal> RegisterBilingual(const Table& table) {
-    static SampleProject project(table.bytes / 440, Duplicates::Some);
+    static SampleProject project(table.bytes / 462, Duplicates::Some);
     ExportTable<CExternalViewTWBExport>(project, 0, "document.rtf");
     const std::filesystem::path path = project.Path("document.rtf");
     const double size = static_cast<double>(FileContent(path).size());
