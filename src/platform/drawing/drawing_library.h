@@ -55,6 +55,7 @@ namespace generalutilities {
                                                                                         pango_tab_array_set_tab)
 
 struct DrawingLibrary {
+// A declaration takes no parentheses: NOLINTNEXTLINE(bugprone-macro-parentheses)
 #define GENERALUTILITIES_MEMBER(name) decltype(&::name) name;
     GENERALUTILITIES_DRAWING_FUNCTIONS(GENERALUTILITIES_MEMBER)
 #undef GENERALUTILITIES_MEMBER
