@@ -33,6 +33,14 @@ manual reference: build
 	cmake --preset $(PRESET) >/dev/null
 	cmake --build --preset $(PRESET) --target $@
 
+# Debian packages, into build/packages, looked at by lintian.
+package: packages
+	@tools/install_packages.sh tools/packaging-packages.txt
+	rm -rf build/packages
+	debian/rules binary
+	lintian --fail-on error build/packages/*.deb
+	debian/rules clean
+
 # How often code page and language are told right, on texts of Debian's packages (docs/code-pages.md).
 detection-rates: build
 	@tools/detection/measure_rates.py --program $(BUILD)/cli/genutil
