@@ -14,6 +14,7 @@
 #include <generalutilities/interfaces/string_utils.h>
 #include <generalutilities/utf8.h>
 
+#include <cstddef>
 #include <new>
 #include <string>
 #include <string_view>
@@ -90,9 +91,10 @@ inline void Check(HRESULT status) {
     }
 }
 
-/// The identifier of an interface.
+/// The identifier of an interface. That of no interface is told by its type: under the sanitizers
+/// the compiler does not compare addresses in constants.
 template <class Interface>
-inline constexpr const IID* IdOf = nullptr;
+inline constexpr std::nullptr_t IdOf = nullptr;
 #define GENERALUTILITIES_ID(Interface) \
     template <>                        \
     inline constexpr const IID* IdOf<Interface> = &IID_##Interface
@@ -125,7 +127,8 @@ GENERALUTILITIES_ID(IUDrawText);
 /// Creates an object. Throws `ComponentError`.
 template <class Interface>
 ComPtr<Interface> Create(REFCLSID clsid) {
-    static_assert(IdOf<Interface> != nullptr, "an interface of the library");
+    static_assert(!std::is_null_pointer_v<decltype(IdOf<Interface>)>,
+                  "an interface of the library");
     ComPtr<Interface> object;
     SetErrorInfo(0, nullptr);
     Check(
@@ -137,7 +140,7 @@ ComPtr<Interface> Create(REFCLSID clsid) {
 /// object.
 template <class Other, class Interface>
 ComPtr<Other> Query(const ComPtr<Interface>& object) {
-    static_assert(IdOf<Other> != nullptr, "an interface of the library");
+    static_assert(!std::is_null_pointer_v<decltype(IdOf<Other>)>, "an interface of the library");
     ComPtr<Other> other;
     SetErrorInfo(0, nullptr);
     Check(object ? object->QueryInterface(*IdOf<Other>, other.OutVoid()) : E_POINTER);
