@@ -1,2 +1,1 @@
 generalutilities_fuzz(prepare-review LINK gu-rtf gu-extview gu-text gu-files gu-code-pages)
-target_include_directories(fuzz-prepare-review PRIVATE ${PROJECT_SOURCE_DIR}/tests)
