@@ -27,17 +27,14 @@ HRESULT CQLNSort::Sort(void* pArray, std::int32_t lEleSize, std::int32_t lEleCou
     if (pCompFunc == 0) {
         return S_FALSE;
     }
-    const CompareElements compare = FunctionOf(pCompFunc);
-    if (compare == nullptr) {
-        return E_INVALIDARG;
-    }
     if (lEleCount <= 0) {
         return S_OK;
     }
     if (pArray == nullptr) {
         return E_POINTER;
     }
-    if (lEleSize <= 0) {
+    const CompareElements compare = FunctionOf(pCompFunc);
+    if (compare == nullptr || lEleSize <= 0) {
         return E_INVALIDARG;
     }
     return Guarded([&] {
