@@ -1,8 +1,6 @@
 #include "collections/long_set_component.h"
 
-#include <generalutilities/automation/pointers.h>
-
-#include "frame/counted.h"
+#include "frame/enumerator.h"
 
 #include <mutex>
 #include <optional>
@@ -38,53 +36,34 @@ LiveSets& Live() {
     return live;
 }
 
-/// Walks a set that may change meanwhile. The position is a value of the set, or the end.
-class LongSetEnumerator final : public Counted<LongSetEnumerator, IEnumVARIANT, IID_IEnumVARIANT> {
+/// The source of an enumerator over a set that may change meanwhile. The position is a value of the
+/// set, or the end.
+class LiveValues {
   public:
-    LongSetEnumerator(IUnknown* setObject, const OrderedLongs& setValues)
+    LiveValues(IUnknown* setObject, const OrderedLongs& setValues)
         : owner(ComPtr<IUnknown>::Share(setObject)), values(setValues) {
         Reset();
     }
 
-    HRESULT Next(std::uint32_t count, VARIANT* out, std::uint32_t* fetched) noexcept override {
-        if (out == nullptr || (count > 1 && fetched == nullptr)) {
-            return E_POINTER;
-        }
-        std::uint32_t written = 0;
+    HRESULT Give(VARIANT* places, std::uint32_t count, std::uint32_t& given) {
         auto at = Place();
-        for (; written < count && at != values.end(); ++at, ++written) {
-            out[written].vt = VT_I4;
-            out[written].lVal = *at;
+        for (; given < count && at != values.end(); ++at, ++given) {
+            places[given].vt = VT_I4;
+            places[given].lVal = *at;
         }
         MoveTo(at);
-        if (fetched != nullptr) {
-            *fetched = written;
-        }
-        return written == count ? S_OK : S_FALSE;
+        return S_OK;
     }
-    HRESULT Skip(std::uint32_t count) noexcept override {
+    std::uint32_t Skip(std::uint32_t count) {
         auto at = Place();
-        for (; count > 0 && at != values.end(); --count) {
+        std::uint32_t skipped = 0;
+        for (; skipped < count && at != values.end(); ++skipped) {
             ++at;
         }
         MoveTo(at);
-        return count == 0 ? S_OK : S_FALSE;
+        return skipped;
     }
-    HRESULT Reset() noexcept override {
-        MoveTo(values.begin());
-        return S_OK;
-    }
-    HRESULT Clone(IEnumVARIANT** clone) noexcept override {
-        if (clone == nullptr) {
-            return E_POINTER;
-        }
-        *clone = nullptr;
-        return Guarded([&] {
-            auto* const copy = new LongSetEnumerator(owner.Get(), values);
-            copy->position = position;
-            return copy->QueryInterface(IID_IEnumVARIANT, reinterpret_cast<void**>(clone));
-        });
-    }
+    void Reset() { MoveTo(values.begin()); }
 
   private:
     /// A value that was removed while it was the position gives its place to the next greater one.
@@ -99,6 +78,8 @@ class LongSetEnumerator final : public Counted<LongSetEnumerator, IEnumVARIANT, 
     const OrderedLongs& values;
     std::optional<std::int32_t> position;
 };
+
+using ValueEnumerator = Enumerator<IEnumVARIANT, IID_IEnumVARIANT, VARIANT, LiveValues>;
 
 }  // namespace
 
@@ -156,10 +137,7 @@ HRESULT CLongSet::get__NewEnum(IUnknown** pVal) noexcept {
         return E_POINTER;
     }
     *pVal = nullptr;
-    return Guarded([&] {
-        auto* const enumerator = new LongSetEnumerator(this, values);
-        return enumerator->QueryInterface(IID_IUnknown, reinterpret_cast<void**>(pVal));
-    });
+    return Guarded([&] { return ValueEnumerator::Create(LiveValues(this, values), pVal); });
 }
 
 HRESULT CLongSet::IntersectWith(ILongSet* OtherSet, ILongSet** ppVal) noexcept {

@@ -3,9 +3,8 @@
 #include <generalutilities/text/folding.h>
 
 #include "frame/bstr_text.h"
-#include "frame/counted.h"
+#include "frame/enumerator.h"
 
-#include <algorithm>
 #include <charconv>
 #include <cmath>
 
@@ -63,64 +62,13 @@ std::u16string IdentityOf(const VARIANT& key, bool ignoreCase) {
     }
 }
 
-/// The keys as they were when it was made.
-class KeyEnumerator final : public Counted<KeyEnumerator, IEnumVARIANT, IID_IEnumVARIANT> {
-  public:
-    /// `array` holds variants from index 0.
-    explicit KeyEnumerator(ArrayPtr array, std::uint32_t start = 0)
-        : keys(std::move(array)), position(start) {}
+HRESULT GiveKey(const Variant& key, VARIANT& place) {
+    place = VARIANT{};
+    return VariantCopy(&place, &key.Get());
+}
 
-    HRESULT Next(std::uint32_t count, VARIANT* values, std::uint32_t* fetched) noexcept override {
-        if (values == nullptr || (fetched == nullptr && count > 1)) {
-            return E_POINTER;
-        }
-        const std::uint32_t given = std::min(count, Left());
-        std::fill_n(values, given, VARIANT{});
-        for (std::uint32_t i = 0; i < given; ++i) {
-            const auto* const key = static_cast<const VARIANT*>(keys->pvData) + position + i;
-            if (const HRESULT status = VariantCopy(&values[i], key); Failed(status)) {
-                std::for_each_n(values, i, [](VARIANT& value) { VariantClear(&value); });
-                return status;
-            }
-        }
-        position += given;
-        if (fetched != nullptr) {
-            *fetched = given;
-        }
-        return given == count ? S_OK : S_FALSE;
-    }
-    HRESULT Skip(std::uint32_t count) noexcept override {
-        const std::uint32_t step = std::min(count, Left());
-        position += step;
-        return step == count ? S_OK : S_FALSE;
-    }
-    HRESULT Reset() noexcept override {
-        position = 0;
-        return S_OK;
-    }
-    HRESULT Clone(IEnumVARIANT** clone) noexcept override {
-        if (clone == nullptr) {
-            return E_POINTER;
-        }
-        *clone = nullptr;
-        return Guarded([&] {
-            SAFEARRAY* copy = nullptr;
-            if (const HRESULT status = SafeArrayCopy(keys.get(), &copy); Failed(status)) {
-                return status;
-            }
-            ArrayPtr owned(copy);
-            *clone = new KeyEnumerator(std::move(owned), position);
-            (*clone)->AddRef();
-            return S_OK;
-        });
-    }
-
-  private:
-    std::uint32_t Left() const { return keys->rgsabound[0].cElements - position; }
-
-    ArrayPtr keys;
-    std::uint32_t position;
-};
+using KeysThen = FixedElements<Variant, VARIANT, GiveKey>;
+using KeyEnumerator = Enumerator<IEnumVARIANT, IID_IEnumVARIANT, VARIANT, KeysThen>;
 
 }  // namespace
 
@@ -349,14 +297,14 @@ HRESULT CDictionary::get__NewEnum(IUnknown** Enumerator) noexcept {
     }
     *Enumerator = nullptr;
     return Guarded([&] {
-        VARIANT keys;
-        const HRESULT status = Keys(&keys);
-        if (Succeeded(status)) {
-            ArrayPtr array(keys.parray);
-            *Enumerator = new KeyEnumerator(std::move(array));
-            (*Enumerator)->AddRef();
+        std::vector<Variant> keys;
+        for (const Entry& entry : entries) {
+            const HRESULT status = GiveKey(entry.key, *keys.emplace_back().InOut());
+            if (Failed(status)) {
+                return status;
+            }
         }
-        return status;
+        return KeyEnumerator::Create(KeysThen(std::move(keys), this), Enumerator);
     });
 }
 

@@ -1,7 +1,6 @@
 #include "frame/connection_point.h"
 
-#include "frame/counted.h"
-#include "frame/object.h"
+#include "frame/enumerator.h"
 
 #include <algorithm>
 
@@ -9,72 +8,24 @@ namespace generalutilities {
 
 namespace {
 
-/// An enumerator over values fixed at its making. `Copy` gives an element out with a reference.
-template <class Interface, const IID& Identifier, class Element, class Given, auto Copy>
-class Enumerator final : public Counted<Enumerator<Interface, Identifier, Element, Given, Copy>,
-                                        Interface, Identifier> {
-  public:
-    Enumerator(std::vector<Element> fixed, std::size_t start)
-        : elements(std::move(fixed)), position(start) {}
-
-    HRESULT Next(std::uint32_t count, Given* given, std::uint32_t* fetched) noexcept override {
-        if (given == nullptr || (fetched == nullptr && count > 1)) {
-            return E_POINTER;
-        }
-        std::uint32_t written = 0;
-        for (; written < count && position < elements.size(); ++written, ++position) {
-            given[written] = Copy(elements[position]);
-        }
-        if (fetched != nullptr) {
-            *fetched = written;
-        }
-        return written == count ? S_OK : S_FALSE;
-    }
-    HRESULT Skip(std::uint32_t count) noexcept override {
-        const std::size_t step = std::min<std::size_t>(count, elements.size() - position);
-        position += step;
-        return step == count ? S_OK : S_FALSE;
-    }
-    HRESULT Reset() noexcept override {
-        position = 0;
-        return S_OK;
-    }
-    HRESULT Clone(Interface** clone) noexcept override {
-        if (clone == nullptr) {
-            return E_POINTER;
-        }
-        *clone = nullptr;
-        return Guarded([&] {
-            *clone = new Enumerator(elements, position);
-            (*clone)->AddRef();
-            return S_OK;
-        });
-    }
-
-  private:
-    std::vector<Element> elements;
-    std::size_t position;
-};
-
-struct HeldConnection {
-    ComPtr<IDispatch> sink;
-    std::uint32_t cookie;
-};
-
-CONNECTDATA GiveConnection(const HeldConnection& connection) {
+HRESULT GiveConnection(const EventConnection& connection, CONNECTDATA& place) {
     connection.sink->AddRef();
-    return {connection.sink.Get(), connection.cookie};
+    place = {connection.sink.Get(), connection.cookie};
+    return S_OK;
 }
 
-IConnectionPoint* GivePoint(const ComPtr<IConnectionPoint>& held) {
-    held->AddRef();
-    return held.Get();
+HRESULT GivePoint(IConnectionPoint* const& point, IConnectionPoint*& place) {
+    point->AddRef();
+    place = point;
+    return S_OK;
 }
 
+using Connections = FixedElements<EventConnection, CONNECTDATA, GiveConnection>;
 using ConnectionEnumerator =
-    Enumerator<IEnumConnections, IID_IEnumConnections, HeldConnection, CONNECTDATA, GiveConnection>;
-using PointEnumerator = Enumerator<IEnumConnectionPoints, IID_IEnumConnectionPoints,
-                                   ComPtr<IConnectionPoint>, IConnectionPoint*, GivePoint>;
+    Enumerator<IEnumConnections, IID_IEnumConnections, CONNECTDATA, Connections>;
+using Points = FixedElements<IConnectionPoint*, IConnectionPoint*, GivePoint>;
+using PointEnumerator =
+    Enumerator<IEnumConnectionPoints, IID_IEnumConnectionPoints, IConnectionPoint*, Points>;
 
 }  // namespace
 
@@ -83,11 +34,7 @@ HRESULT ConnectionPointContainer::EnumConnectionPoints(IEnumConnectionPoints** p
         return E_POINTER;
     }
     *points = nullptr;
-    return Guarded([&] {
-        *points = new PointEnumerator({ComPtr<IConnectionPoint>::Share(&point)}, 0);
-        (*points)->AddRef();
-        return S_OK;
-    });
+    return Guarded([&] { return PointEnumerator::Create(Points({&point}, this), points); });
 }
 
 HRESULT ConnectionPointContainer::FindConnectionPoint(REFIID iid,
@@ -109,8 +56,8 @@ HRESULT ConnectionPointContainer::FindConnectionPoint(REFIID iid,
 void ConnectionPointContainer::Fire(DISPID event, std::int32_t first,
                                     std::int32_t second) noexcept {
     Guarded([&] {
-        const std::vector<Point::Connection> connected = point.connections;
-        for (const Point::Connection& connection : connected) {
+        const std::vector<EventConnection> connected = point.connections;
+        for (const EventConnection& connection : connected) {
             VARIANT arguments[2]{};  // the last argument stands first
             arguments[0].vt = arguments[1].vt = VT_I4;
             arguments[0].lVal = second;
@@ -178,7 +125,7 @@ HRESULT ConnectionPointContainer::Point::Advise(IUnknown* sink, std::uint32_t* c
 
 HRESULT ConnectionPointContainer::Point::Unadvise(std::uint32_t cookie) noexcept {
     const auto found = std::find_if(connections.begin(), connections.end(),
-                                    [&](const Connection& c) { return c.cookie == cookie; });
+                                    [&](const EventConnection& c) { return c.cookie == cookie; });
     if (found == connections.end()) {
         return CONNECT_E_NOCONNECTION;
     }
@@ -192,15 +139,8 @@ HRESULT ConnectionPointContainer::Point::EnumConnections(IEnumConnections** enum
         return E_POINTER;
     }
     *enumerated = nullptr;
-    return Guarded([&] {
-        std::vector<HeldConnection> held;
-        for (const Connection& connection : connections) {
-            held.push_back({connection.sink, connection.cookie});
-        }
-        *enumerated = new ConnectionEnumerator(std::move(held), 0);
-        (*enumerated)->AddRef();
-        return S_OK;
-    });
+    return Guarded(
+        [&] { return ConnectionEnumerator::Create(Connections(connections, this), enumerated); });
 }
 
 }  // namespace generalutilities

@@ -6,6 +6,12 @@
 
 namespace generalutilities {
 
+/// A sink that is called, and the number that ends this.
+struct EventConnection {
+    ComPtr<IDispatch> sink;
+    std::uint32_t cookie;
+};
+
 /// The one connection point of an object that has events, with the container interface of that
 /// object.
 ///
@@ -39,11 +45,7 @@ class ConnectionPointContainer : public IConnectionPointContainer {
         HRESULT Unadvise(std::uint32_t cookie) noexcept override;
         HRESULT EnumConnections(IEnumConnections** connections) noexcept override;
 
-        struct Connection {
-            ComPtr<IDispatch> sink;
-            std::uint32_t cookie;
-        };
-        std::vector<Connection> connections;
+        std::vector<EventConnection> connections;
 
       private:
         ConnectionPointContainer& container;

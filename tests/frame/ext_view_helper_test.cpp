@@ -220,7 +220,9 @@ TEST_F(ExtViewHelperTest, ProgressBecomesEvents) {
     EXPECT_EQ(data[1].dwCookie, cookie);
     data[0].pUnk->Release();
     data[1].pUnk->Release();
+    const std::uint32_t held = helper->AddRef();
     connections = {};
+    EXPECT_EQ(helper->Release(), held - 2) << "an enumerator holds its object";
 
     ASSERT_EQ(Export(project.Get(), file, AllColumns), S_OK);
     ASSERT_EQ(Import(file), S_OK);
