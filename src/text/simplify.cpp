@@ -60,15 +60,18 @@ constexpr PunctuationTable Table = [] {
 
 }  // namespace
 
+void SimplifyTo(std::u16string_view text, std::int32_t lcid, char16_t* out) {
+    for (const char16_t unit : text) {
+        const char plain = Table.rows[Table.index[unit >> 8]][unit & 0xFF];
+        *out++ = plain != 0                      ? static_cast<char16_t>(plain)
+                 : unit == u';' && lcid == Greek ? u'?'
+                                                 : unit;
+    }
+}
+
 std::u16string SimplifyString(std::u16string_view text, std::int32_t lcid) {
     std::u16string result(text.substr(0, text.find(u'\0')));
-    for (char16_t& unit : result) {
-        if (const char plain = Table.rows[Table.index[unit >> 8]][unit & 0xFF]; plain != 0) {
-            unit = static_cast<char16_t>(plain);
-        } else if (unit == u';' && lcid == Greek) {
-            unit = u'?';
-        }
-    }
+    SimplifyTo(result, lcid, result.data());
     return result;
 }
 

@@ -37,6 +37,12 @@ HRESULT GiveFound(std::optional<std::u16string_view> text, BSTR* out) {
     return text ? Give(*text, out) : S_OK;
 }
 
+/// A copy up to the first U+0000, which is null where the text is.
+HRESULT GiveTerminated(BSTR text, BSTR* out) noexcept {
+    *out = SysAllocString(text);
+    return *out == nullptr && text != nullptr ? E_OUTOFMEMORY : S_OK;
+}
+
 /// A new string of this many units or bytes, to be filled; null when it is too long.
 char16_t* NewUnits(Bstr& string, std::size_t units) {
     if (units <= 0xFFFFFFFF) {
@@ -168,9 +174,9 @@ HRESULT CStringUtils::SimplifyString(BSTR bstrIn, std::int32_t lcid, BSTR* pbstr
     if (pbstrOut == nullptr) {
         return E_POINTER;
     }
-    *pbstrOut = nullptr;
-    return Guarded(
-        [&] { return Give(generalutilities::SimplifyString(View(bstrIn), lcid), pbstrOut); });
+    const HRESULT status = GiveTerminated(bstrIn, pbstrOut);
+    SimplifyTo(View(*pbstrOut), lcid, *pbstrOut);
+    return status;
 }
 
 HRESULT CStringUtils::ConvertStringToUnicode(std::int32_t lCodePage, BSTR bstrIn,
@@ -179,10 +185,10 @@ HRESULT CStringUtils::ConvertStringToUnicode(std::int32_t lCodePage, BSTR bstrIn
     if (pbstrOut == nullptr) {
         return E_POINTER;
     }
+    if (IsPassThrough(lCodePage)) {
+        return GiveTerminated(bstrIn, pbstrOut);
+    }
     return Guarded([&] {
-        if (IsPassThrough(lCodePage)) {
-            return Give(TerminatedView(bstrIn), pbstrOut);
-        }
         Bstr result;
         const auto room = [&](std::size_t units) { return NewUnits(result, units); };
         const bool converted =
@@ -214,10 +220,10 @@ HRESULT CStringUtils::ConvertStringFromUnicode(std::int32_t lCodePage, BSTR bstr
     if (pbstrOut == nullptr) {
         return E_POINTER;
     }
+    if (IsPassThrough(lCodePage)) {
+        return GiveTerminated(bstrIn, pbstrOut);
+    }
     return Guarded([&] {
-        if (IsPassThrough(lCodePage)) {
-            return Give(TerminatedView(bstrIn), pbstrOut);
-        }
         Bstr result;
         const bool converted =
             bTrueANSI == VARIANT_TRUE
@@ -455,12 +461,9 @@ HRESULT CStringUtils::FoldDigits(BSTR bstrIn, VARIANT_BOOL fMapAllNumerals,
     if (pbstrRet == nullptr) {
         return E_POINTER;
     }
-    *pbstrRet = SysAllocString(bstrIn);
-    if (*pbstrRet == nullptr) {
-        return bstrIn == nullptr ? S_OK : E_OUTOFMEMORY;
-    }
+    const HRESULT status = GiveTerminated(bstrIn, pbstrRet);
     FoldDigitsTo(View(*pbstrRet), fMapAllNumerals != VARIANT_FALSE, *pbstrRet);
-    return S_OK;
+    return status;
 }
 
 HRESULT CStringUtils::TranslateDigits(BSTR, std::int32_t, BSTR*) noexcept {

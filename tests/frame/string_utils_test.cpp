@@ -7,6 +7,7 @@
 #include "values.h"
 
 #include <dlfcn.h>
+#include <functional>
 #include <limits>
 
 /// The string table of the test program, which is a module as well.
@@ -120,9 +121,23 @@ TEST_F(StringUtilsTest, MeasuresNullAsEmptyAndFoldsDigitsUpToZero) {
     BSTR kept = numbers.Get();
     EXPECT_EQ(utils->TranslateDigits(nullptr, 0, &kept), S_OK);
     EXPECT_EQ(kept, numbers.Get());
-    EXPECT_EQ(utils->FoldDigits(nullptr, 1, &kept), S_OK);
-    EXPECT_EQ(kept, nullptr);
     EXPECT_EQ(utils->FoldDigits(nullptr, 1, nullptr), E_POINTER);
+}
+
+TEST_F(StringUtilsTest, CopiesNothingAsNothing) {
+    const std::function<HRESULT(BSTR, BSTR*)> copies[] = {
+        [&](BSTR in, BSTR* copy) { return utils->SimplifyString(in, 1033, copy); },
+        [&](BSTR in, BSTR* copy) { return utils->FoldDigits(in, 1, copy); },
+        [&](BSTR in, BSTR* copy) { return utils->ConvertStringToUnicode(0, in, 0, 0, copy); },
+        [&](BSTR in, BSTR* copy) { return utils->ConvertStringFromUnicode(1200, in, 0, 0, copy); }};
+    for (const auto& copy : copies) {
+        EXPECT_EQ(copy(Bstr(u"").Get(), out.Out()), S_OK);
+        EXPECT_NE(out.Get(), nullptr) << "empty is not null";
+        EXPECT_EQ(copy(nullptr, out.Out()), S_OK);
+        EXPECT_EQ(out.Get(), nullptr);
+        EXPECT_EQ(copy(Bstr(std::u16string_view(u"a\0b", 3)).Get(), out.Out()), S_OK);
+        EXPECT_EQ(out.View(), u"a");
+    }
 }
 
 TEST_F(StringUtilsTest, GeneratesTextOfAScript) {

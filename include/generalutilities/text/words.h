@@ -87,8 +87,12 @@ std::u16string FoldBlanksAndCodes(std::u16string_view text);
 /// The text counts up to its first U+0000.
 std::u16string ToIndex(std::u16string_view text, std::int32_t langId, std::int32_t indexSize = 50);
 
-/// Replaces the punctuation of all scripts by plain ASCII, one code unit for one.
-/// The text counts up to its first U+0000. `lcid` 1032 (Greek) makes ";" a question mark.
+/// Writes `text` to `out`, which has room for as many code units, with the punctuation of all
+/// scripts as plain ASCII, one code unit for one. `lcid` 1032 (Greek) makes ";" a question mark.
+/// `out` may be the text itself.
+void SimplifyTo(std::u16string_view text, std::int32_t lcid, char16_t* out);
+
+/// The same as a new string, of the text up to its first U+0000.
 std::u16string SimplifyString(std::u16string_view text, std::int32_t lcid);
 
 }  // namespace generalutilities
