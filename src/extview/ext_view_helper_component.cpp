@@ -106,13 +106,13 @@ HRESULT CExtViewHelper::ExportExternalView(
     }
     const Format format = FormatOf(ExportOptions);
     return WithWords(Guarded([&] {
-        if (format != exportFormat) {
-            exportFormat = Format::None;
-            exporter = CreateExporter(format);
-            exporter->progress = this;
-            CopyFonts();
-            exportFormat = format;
+        auto running = std::move(exporter);
+        if (running == nullptr || format != exportFormat) {
+            running = CreateExporter(format);
+            running->progress = this;
         }
+        running->sourceFont = sourceFont;
+        running->targetFont = targetFont;
         const ExportColors colors{
             .guaranteed = RedFirst(ColorForGuaranteed),
             .exact = RedFirst(ColorForExact),
@@ -124,8 +124,12 @@ HRESULT CExtViewHelper::ExportExternalView(
             .pending = RedFirst(ColorForPending),
             .machineTranslated = RedFirst(ColorForMachineTranslated),
         };
-        return exporter->RunExport(*project->GetDatabase(), View(Destination), FileID, TargetLangID,
-                                   ExportOptions, View(LexiconOrderByClause), colors);
+        const HRESULT status =
+            running->RunExport(*project->GetDatabase(), View(Destination), FileID, TargetLangID,
+                               ExportOptions, View(LexiconOrderByClause), colors);
+        exporter = std::move(running);
+        exportFormat = format;
+        return status;
     }));
 }
 
@@ -143,43 +147,30 @@ HRESULT CExtViewHelper::ImportExternalView(IUnknown* Project, BSTR SourceFile,
     const Format format = FormatOf(ExportOptions);
     if (format == Format::Html) {  // a page cannot be read back
         importer.reset();
-        importFormat = Format::None;
         return E_INVALIDARG;
     }
     return WithWords(Guarded([&] {
-        if (format != importFormat) {
-            importFormat = Format::None;
-            importer = CreateImporter(format);
-            importer->SetProgress(this);
-            importFormat = format;
+        auto running = std::move(importer);
+        if (running == nullptr || format != importFormat) {
+            running = CreateImporter(format);
+            running->SetProgress(this);
         }
-        return importer->RunImport(*project->GetDatabase(), View(SourceFile), TargetLangID);
+        const HRESULT status =
+            running->RunImport(*project->GetDatabase(), View(SourceFile), TargetLangID);
+        importer = std::move(running);
+        importFormat = format;
+        return status;
     }));
 }
 
-HRESULT CExtViewHelper::PutFont(std::u16string& font, BSTR newVal) {
+namespace {
+
+HRESULT PutFont(std::u16string& font, BSTR newVal) {
     return Guarded([&] {
         font = View(newVal);
-        CopyFonts();
         return S_OK;
     });
 }
-
-void CExtViewHelper::CopyFonts() {
-    if (exporter != nullptr) {
-        exporter->sourceFont = sourceFont;
-        exporter->targetFont = targetFont;
-    }
-}
-
-HRESULT CExtViewHelper::put_SourceFont(BSTR newVal) noexcept {
-    return PutFont(sourceFont, newVal);
-}
-HRESULT CExtViewHelper::put_TargetFont(BSTR newVal) noexcept {
-    return PutFont(targetFont, newVal);
-}
-
-namespace {
 
 HRESULT GetFont(const std::u16string& font, BSTR* pVal) {
     if (pVal == nullptr) {
@@ -191,6 +182,12 @@ HRESULT GetFont(const std::u16string& font, BSTR* pVal) {
 
 }  // namespace
 
+HRESULT CExtViewHelper::put_SourceFont(BSTR newVal) noexcept {
+    return PutFont(sourceFont, newVal);
+}
+HRESULT CExtViewHelper::put_TargetFont(BSTR newVal) noexcept {
+    return PutFont(targetFont, newVal);
+}
 HRESULT CExtViewHelper::get_SourceFont(BSTR* pVal) noexcept {
     return GetFont(sourceFont, pVal);
 }

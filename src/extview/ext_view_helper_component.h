@@ -47,20 +47,19 @@ class CExtViewHelper : public Dual<IExtViewHelper, DescribeExtViewHelper>,
     void ReportProgress(std::int32_t percent, std::int32_t targetLangId) override;
 
   private:
-    enum class Format { None = 0, Rtf = 1, Html = 2, Twb = 3 };
+    enum class Format { Rtf = 1, Html, Twb };
     static Format FormatOf(std::int32_t exportOptions);
     static std::unique_ptr<CExternalViewExport> CreateExporter(Format format);
     static std::unique_ptr<CExternalViewImport> CreateImporter(Format format);
 
-    HRESULT PutFont(std::u16string& font, BSTR newVal);
-    void CopyFonts();
-
     std::u16string sourceFont = u"Tahoma";
     std::u16string targetFont = u"Tahoma";
-    std::unique_ptr<CExternalViewExport> exporter;  ///< kept while the format stays the same
+    /// Kept while the format stays the same. During a call it is out of the reach of sinks, which
+    /// may call this object from inside an event.
+    std::unique_ptr<CExternalViewExport> exporter;
     std::unique_ptr<CExternalViewImport> importer;  ///< likewise
-    Format exportFormat = Format::None;
-    Format importFormat = Format::None;
+    Format exportFormat = {};                       ///< of `exporter`, where there is one
+    Format importFormat = {};
     bool importing = false;  ///< which event progress becomes
 };
 

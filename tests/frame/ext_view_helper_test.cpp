@@ -7,6 +7,7 @@
 #include "database/temporary_folder.h"
 #include "values.h"
 
+#include <functional>
 #include <sqlite3.h>
 
 namespace generalutilities {
@@ -14,7 +15,7 @@ namespace {
 
 constexpr std::int32_t AllColumns = ShowIdColumn | ShowStatusColumn | ShowStatusValue;
 
-/// Records the events that reach it; may disconnect itself while it is called.
+/// Records the events that reach it; may disconnect itself, and do more, while it is called.
 class Sink final : public IDispatch {
   public:
     HRESULT QueryInterface(REFIID iid, void** object) noexcept override {
@@ -39,6 +40,7 @@ class Sink final : public IDispatch {
         events.emplace_back(member, arguments->rgvarg[1].lVal);
         if (leave) {
             leave->Unadvise(cookie);
+            meanwhile();
         }
         return E_FAIL;  // which nobody looks at
     }
@@ -46,6 +48,7 @@ class Sink final : public IDispatch {
     IID answers = DIID__IExtViewHelperEvents;
     std::vector<std::pair<DISPID, std::int32_t>> events;
     ComPtr<IConnectionPoint> leave;
+    std::function<void()> meanwhile;
     std::uint32_t cookie = 0;
     std::uint32_t references = 0;
 };
@@ -210,6 +213,10 @@ TEST_F(ExtViewHelperTest, ProgressBecomesEvents) {
     EXPECT_EQ(point->Advise(&wrong, &unused), CONNECT_E_CANNOTCONNECT);
     EXPECT_EQ(unused, 0u);
     leaving.leave = point;
+    leaving.meanwhile = [this] {  // the same object, while it works
+        EXPECT_EQ(Export(project.Get(), Path(u"other"), FormatHtml), S_OK);
+        EXPECT_EQ(Export(project.Get(), Path(u"same"), AllColumns), S_OK);
+    };
 
     ComPtr<IEnumConnections> connections;
     ASSERT_EQ(point->EnumConnections(connections.Out()), S_OK);
@@ -226,10 +233,11 @@ TEST_F(ExtViewHelperTest, ProgressBecomesEvents) {
 
     ASSERT_EQ(Export(project.Get(), file, AllColumns), S_OK);
     ASSERT_EQ(Import(file), S_OK);
-    ASSERT_GE(plain.events.size(), 3u);
+    ASSERT_GE(plain.events.size(), 7u);
     using Event = std::pair<DISPID, std::int32_t>;
-    EXPECT_EQ(plain.events[0], Event(DISPID_ExportProgress, 50));
-    EXPECT_EQ(plain.events[1], Event(DISPID_ExportProgress, 100));
+    EXPECT_EQ(plain.events[4], Event(DISPID_ExportProgress, 50));  // behind those of `meanwhile`
+    EXPECT_EQ(plain.events[5], Event(DISPID_ExportProgress, 100));
+    EXPECT_EQ(ReadFile(folder / "out.rtf"), ReadFile(folder / "same"));
     EXPECT_EQ(plain.events.back(), Event(DISPID_ImportProgress, 100));
     EXPECT_EQ(leaving.events.size(), 1u) << "left inside its first event";
     leaving.leave = {};
