@@ -52,7 +52,7 @@ TEST_F(CodePageMethods, DecodesByteStringsInThreeForms) {
         {50220, Bytes("F|"), -1, 0, u"F|"},  // nor did an escape sequence
         {1200, Bstr(std::u16string_view(u"ab\0c", 4)), 0, 0, u"ab"},
         {0, Bytes("ab\x80"), -1, -1, u"\u6261\u0080"},
-        {50000, Bstr(), 0, -1, u""},
+        {50000, Bstr(u""), 0, -1, u""},
     };
     for (const auto& test : cases) {
         Bstr out;
