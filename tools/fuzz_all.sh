@@ -8,7 +8,7 @@ set -eu
 cd "$(dirname "$0")/.."
 programs=${FUZZ_PROGRAMS:-build/fuzz/fuzz}
 out=${FUZZ_OUT:-build/fuzz/new}
-[ $# -gt 0 ] || set -- $(ls fuzz/targets | sed 's/\.cmake$//')
+[ $# -gt 0 ] || set -- $(sed -n 's/^generalutilities_fuzz(\([a-z][^ ]*\) .*/\1/p' fuzz/CMakeLists.txt)
 
 echo '| Target | Executions | Seconds | Executions a second | Failures |'
 echo '| --- | --- | --- | --- | --- |'

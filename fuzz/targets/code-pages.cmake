@@ -1,1 +1,0 @@
-generalutilities_fuzz(code-pages LINK gu-code-pages)

@@ -1,1 +1,0 @@
-generalutilities_fuzz(detection LINK gu-detection)

@@ -1,1 +1,0 @@
-generalutilities_fuzz(dialect LINK gu-database)

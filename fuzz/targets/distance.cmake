@@ -1,1 +1,0 @@
-generalutilities_fuzz(distance LINK gu-text)

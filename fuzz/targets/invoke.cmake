@@ -1,1 +1,0 @@
-generalutilities_fuzz(invoke LINK gu-text-components)

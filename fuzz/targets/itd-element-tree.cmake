@@ -1,1 +1,0 @@
-generalutilities_fuzz(itd-element-tree LINK gu-itd)

@@ -1,1 +1,0 @@
-generalutilities_fuzz(itd-envelope LINK gu-itd)

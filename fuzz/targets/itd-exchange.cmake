@@ -1,1 +1,0 @@
-generalutilities_fuzz(itd-exchange LINK gu-itd-exchange)

@@ -1,1 +1,0 @@
-generalutilities_fuzz(itd-rewrite LINK gu-itd)

@@ -1,1 +1,0 @@
-generalutilities_fuzz(itd-text-part LINK gu-itd)

@@ -1,1 +1,0 @@
-generalutilities_fuzz(prepare-review LINK gu-rtf gu-extview gu-text gu-files gu-code-pages)

@@ -1,1 +1,0 @@
-generalutilities_fuzz(registry LINK gu-registry)

@@ -1,1 +1,0 @@
-generalutilities_fuzz(returned-text LINK gu-project)

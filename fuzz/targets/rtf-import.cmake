@@ -1,1 +1,0 @@
-generalutilities_fuzz(rtf-import LINK gu-rtf)

@@ -1,1 +1,0 @@
-generalutilities_fuzz(rtf-reader LINK gu-rtf)

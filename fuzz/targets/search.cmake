@@ -1,1 +1,0 @@
-generalutilities_fuzz(search LINK gu-text)

@@ -1,1 +1,0 @@
-generalutilities_fuzz(segment-text LINK gu-extview gu-text-file)

@@ -1,1 +1,0 @@
-generalutilities_fuzz(serialize-codes LINK gu-tagged)

@@ -1,1 +1,0 @@
-generalutilities_fuzz(strip-fonts LINK gu-tagged)

@@ -1,1 +1,0 @@
-generalutilities_fuzz(table-input LINK gu-project)

@@ -1,1 +1,0 @@
-generalutilities_fuzz(tag-scan LINK gu-tagged)

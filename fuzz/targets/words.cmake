@@ -1,1 +1,0 @@
-generalutilities_fuzz(words LINK gu-text)
