@@ -185,6 +185,9 @@ void ReviewWalk::TakeHexByte() {
         const char16_t character = value < 0x80 ? static_cast<char16_t>(value) : u'\uFFFD';
         TakeCharacters(position + 4, {&character, 1});
     } else {
+        if (bilingual) {
+            copy.Drop(position, position + 2);  // what is put behind it would become its digits
+        }
         position += 2;
     }
 }
