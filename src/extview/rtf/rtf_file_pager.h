@@ -58,7 +58,7 @@ class RtfFilePager {
 
   private:
     struct Page {
-        std::unique_ptr<char[]> bytes = std::make_unique<char[]>(PageSize);
+        std::unique_ptr<char[]> bytes = std::make_unique_for_overwrite<char[]>(PageSize);
         std::uint32_t base = NotFound;  ///< file offset of the first byte, a multiple of `PageSize`
         std::uint32_t length = 0;       ///< bytes held; 0 when the buffer holds nothing
 
