@@ -3,9 +3,6 @@
 
 #include "case_table.h"
 
-#include <random>
-#include <string>
-
 namespace generalutilities {
 namespace {
 
@@ -96,61 +93,18 @@ TEST(Detection, NamesNoPageThatCannotDecodeTheInput) {
     }
 }
 
-TEST(Detection, LivesWithAnyBytes) {
-    const auto seed = std::random_device{}();
-    SCOPED_TRACE("seed " + std::to_string(seed));
-    std::mt19937 random(seed);
-    for (int round = 0; round < 300; ++round) {
-        std::string bytes(random() % 100, '\0');
-        const unsigned range = 1 + random() % 256;
-        for (char& byte : bytes) {
-            byte = static_cast<char>(random() % range);
-        }
-        for (const auto mode : {DetectionMode::PlainText, DetectionMode::Markup}) {
-            const Detection found = DetectEncodings(bytes, mode, random() % 1300, 4);
-            EXPECT_EQ(found.encodings.empty(), found.status == DetectionStatus::Failed);
-            EXPECT_LE(found.encodings.size(), 4u);
-            for (const DetectedEncoding& reading : found.encodings) {
-                EXPECT_EQ(OpenCodePage(static_cast<std::uint32_t>(reading.codePage))
-                              ->FindUndefinedBytes(bytes),
-                          CodePageConverter::NotFound);
-            }
-        }
-    }
-}
-
-/// A run with this many results, the first of which has this page, confidence and share.
-Detection FakeRun(std::size_t count, std::int32_t codePage = 0, std::int32_t confidence = 50,
-                  std::int32_t docPercent = 50) {
-    if (count == 0) {
-        return {};
-    }
-    return {DetectionStatus::Language, {count, {1033, codePage, docPercent, confidence}}};
-}
-
 TEST(ChooseCodePage, FollowsTheRuns) {
-    constexpr std::int32_t Default = 1251;
-    const Detection failed = FakeRun(0);
-    const Detection ran = FakeRun(1, 7);
-    const Detection plain = FakeRun(2, 1, 50, 50);
-    const struct {
-        const char* what;
-        DetectionRuns runs;
-        std::int32_t expected;
-    } cases[] = {
-        {"both failed", {failed, failed, ran, ran}, Default},
-        {"plain failed", {failed, FakeRun(9, 2), failed, failed}, 2},
-        {"markup failed", {plain, failed, failed, ran}, 1},
-        {"preferred markup failed", {plain, FakeRun(1, 2), failed, failed}, 1},
-        {"preferred plain failed", {plain, FakeRun(9, 2, 1, 1), failed, ran}, 2},
-        {"markup has fewer", {plain, FakeRun(1, 2, 1, 1), ran, ran}, 2},
-        {"markup has more", {plain, FakeRun(3, 2, 99, 99), ran, ran}, 1},
-        {"markup is better in both", {plain, FakeRun(2, 2, 51, 51), ran, ran}, 2},
-        {"markup is only more confident", {plain, FakeRun(2, 2, 51, 50), ran, ran}, 1},
-        {"markup has only the higher share", {plain, FakeRun(2, 2, 50, 51), ran, ran}, 1},
-    };
-    for (const auto& test : cases) {
-        EXPECT_EQ(ChooseCodePage(test.runs, Default), test.expected) << test.what;
+    for (const auto& row : CaseTable("code_page_choice.tsv")) {
+        const auto run = [&row](std::size_t i) -> Detection {
+            std::istringstream cell(Bytes(row[i]));
+            std::size_t count = 0;
+            DetectedEncoding first{1033, 0, 0, 0};
+            return cell >> count >> first.codePage >> first.confidence >> first.docPercent
+                       ? Detection{DetectionStatus::Language, {count, first}}
+                       : Detection{};
+        };
+        EXPECT_EQ(ChooseCodePage({run(0), run(1), run(2), run(3)}, 1251), Number(row[4]))
+            << testing::PrintToString(row);
     }
 }
 

@@ -1,56 +1,21 @@
 #include <generalutilities/text/distance.h>
 
+#include "case_table.h"
 #include "platform/cpu.h"
 #include "text/distance_forms.h"
 #include "textbook.h"
 
 #include <bit>
-#include <cmath>
-#include <gtest/gtest.h>
 #include <limits>
 #include <random>
-#include <string>
 
 namespace generalutilities {
 namespace {
 
-constexpr double Infinity = std::numeric_limits<double>::infinity();
-constexpr double NoNumber = std::numeric_limits<double>::quiet_NaN();
-
 TEST(EditDistance, FollowsEveryRule) {
-    struct {
-        std::u16string_view first;
-        std::u16string_view second;
-        double expected;
-        double casePenalty = 1.0;
-    } const cases[] = {
-        {u"abc", u"abc", 0.0},
-        {u"abc", u"abd", 1.0},
-        {u"abc", u"ABC", 3.0},
-        {u"abc", u"ABC", 0.1 + 0.1 + 0.1, 0.1},
-        {u"abc", u"ABC", 0.0, 0.0},
-        {u"abc", u"ABC", 4.0, 1.5},  // shifted by one
-        {u"a", u"A", 1.5, 1.5},
-        {u"flaw", u"lawn", 2.0},
-        {u"", u"abc", 3.0},
-        {u"abc", u"", 3.0},
-        {u"", u"", 0.0},
-        {u"\u00E9", u"\u00C9", 0.25, 0.25},
-        {u"\u00E9", u"e", 1.0, 0.25},
-        {u"\u03C2", u"\u03C3", 1.0,
-         0.25},  // a final sigma has a capital, but is none's small letter
-        {u"a", u"A", 2.0, 5.0},
-        {u"a", u"A", 2.0, 1e308},
-        {u"a", u"A", 2.0, Infinity},
-        {u"a", u"A", 2.0, NoNumber},
-        {u"a", u"A", -3.0, -3.0},
-        {u"ab", u"B", -2.0, -3.0},
-        {u"ab", u"AB", -Infinity, -Infinity},
-    };
-    for (const auto& each : cases) {
-        EXPECT_EQ(EditDistance(each.first, each.second, each.casePenalty), each.expected)
-            << testing::PrintToString(std::u16string(each.first)) << " and "
-            << testing::PrintToString(std::u16string(each.second)) << " at " << each.casePenalty;
+    for (const auto& row : CaseTable("distance.tsv")) {
+        EXPECT_EQ(EditDistance(row[0], row[1], std::stod(Bytes(row[2]))), std::stod(Bytes(row[3])))
+            << testing::PrintToString(row);
     }
 }
 
@@ -90,6 +55,8 @@ TEST(EditDistance, AgreesWithTheTextbookToTheLastBit) {
     const std::u16string_view alphabets[] = {u"aA", u"abAB", u"etaoinshrdluETAOINSHRDLU ,.",
                                              u"\u03A3\u03C3\u03C2\u0416\u0436", ideographs};
     const std::size_t lengths[] = {0, 1, 5, 12, 40, 63, 64, 65, 130, 300, 700};
+    constexpr double Infinity = std::numeric_limits<double>::infinity();
+    constexpr double NoNumber = std::numeric_limits<double>::quiet_NaN();
     const double penalties[] = {1.0,       0.0,  0.1,  0.5,    0.3,      1e-17,    0.999,
                                 1.0000001, 1.7,  2.0,  3.0,    1e300,    Infinity, NoNumber,
                                 -0.0,      -0.1, -1.0, -1e300, -Infinity};

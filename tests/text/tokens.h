@@ -10,12 +10,6 @@
 /// a number, s a separator run, e an East Asian unit and c a code.
 namespace generalutilities {
 
-struct TokenCase {
-    std::u16string_view text;
-    std::u16string_view tokens;
-    std::int32_t langId = 1033;
-};
-
 inline std::vector<TextToken> StepTokens(std::u16string_view text, std::int32_t langId) {
     const WordParser parser(langId);
     std::vector<TextToken> tokens;
