@@ -1,13 +1,11 @@
 #include "text_sources.h"
 
+#include "byte_input.h"
 #include "failure.h"
 #include "unicode.h"
 
-#include <cerrno>
 #include <cstdint>
 #include <cstdio>
-#include <cstring>
-#include <fstream>
 #include <iostream>
 #include <limits>
 #include <optional>
@@ -43,14 +41,12 @@ void ForEachLine(std::istream& input, const std::string& name,
         if (const auto invalid = FindInvalidUtf8(line)) {
             throw Failure(name + ", line " + std::to_string(lineNumber) + ", " +
                           NotUtf8(start + *invalid, line[*invalid]) +
-                          "; convert the text first, for example with iconv");
+                          "; convert the text first: genutil codepage convert --help");
         }
         CheckLength(line);
         use(line);
     }
-    if (input.bad()) {
-        throw Failure(name + " cannot be read behind byte " + std::to_string(offset));
-    }
+    CheckEnd(input, name, offset);
 }
 
 }  // namespace
@@ -85,12 +81,7 @@ void ForEachText(const TextSources& sources, const std::function<void(std::strin
         use(text);
     }
     for (const std::string& file : sources.files) {
-        std::ifstream input(file, std::ios::binary);
-        input.peek();  // a folder can be opened
-        if (!input.is_open() || input.bad()) {
-            throw Failure(file + " cannot be read: " + std::strerror(errno));
-        }
-        input.clear();  // an empty file has ended
+        std::ifstream input = OpenInput(file);
         ForEachLine(input, file, use);
     }
     if (sources.texts.empty() && sources.files.empty()) {

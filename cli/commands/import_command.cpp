@@ -15,6 +15,8 @@
 #include "rtf_check.h"
 #include "unicode.h"
 
+#include <cerrno>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <memory>
@@ -84,8 +86,9 @@ class ReportOutput {
         if (file) {
             stream.close();
             if (!stream) {
-                throw Failure(options.reportFile + ": the report cannot be written", "genutil",
-                              ErrorWriteFault);
+                throw Failure(
+                    options.reportFile + ": the report cannot be written: " + std::strerror(errno),
+                    "genutil", ErrorWriteFault);
             }
             file->Commit();
         }

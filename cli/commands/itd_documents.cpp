@@ -13,6 +13,8 @@
 #include "reimport.h"
 #include "unicode.h"
 
+#include <cerrno>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <map>
@@ -240,7 +242,8 @@ ExitCode RunExtract(CommandContext& context, const ItdOptions& options) {
     if (output) {
         stream.close();
         if (!stream) {
-            throw Failure(options.output + ": cannot be written", "genutil", ErrorWriteFault);
+            throw Failure(options.output + ": cannot be written: " + std::strerror(errno),
+                          "genutil", ErrorWriteFault);
         }
         output->Commit();
         context.console.Note("Wrote " + std::to_string(total) + " segments to " + options.output);

@@ -32,10 +32,9 @@ std::size_t UnpackLimit(std::uint32_t compressedLength) {
 
 HRESULT UnpackTextPart(std::u16string_view path, std::uint32_t offset,
                        std::uint32_t compressedLength, const UnpackRoom& room, std::size_t& size) {
-    int error = 0;
-    const auto file = files::OpenForReading(path, &error);
+    const auto file = files::OpenForReading(path);
     if (file == nullptr) {
-        return files::StatusOfError(error, ErrorFileNotFound);
+        return files::StatusOfError(errno, ErrorFileNotFound);
     }
     // The length is looked at before memory is taken for it.
     if (file->Size() < std::uint64_t{offset} + compressedLength) {

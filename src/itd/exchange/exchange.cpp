@@ -5,6 +5,7 @@
 #include "platform/files/utf8.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <charconv>
 #include <cstring>
 
@@ -34,10 +35,9 @@ std::unique_ptr<ExchangeReader> OpenExchange(ExchangeForm form, std::u16string_v
 
 std::string ReadWholeFile(std::u16string_view path) {
     const std::string name = files::ToUtf8Lossy(path);
-    int error = 0;
-    const auto file = files::OpenForReading(path, &error);
+    const auto file = files::OpenForReading(path);
     if (file == nullptr) {
-        throw Error(ErrorFileNotFound, name + ": cannot be opened: " + std::strerror(error));
+        throw Error(ErrorFileNotFound, name + ": cannot be opened: " + std::strerror(errno));
     }
     std::string bytes(file->Size(), '\0');
     std::size_t read = 0;

@@ -28,10 +28,9 @@ class CsvReader final : public Reader {
   public:
     CsvReader(std::u16string_view path, const Format& format)
         : name(files::ToUtf8Lossy(path)), block(BlockSize) {
-        int error = 0;
-        file = files::OpenForReading(path, &error);
+        file = files::OpenForReading(path);
         if (!file) {
-            throw Error(ErrorFileNotFound, name + ": cannot be opened: " + std::strerror(error));
+            throw Error(ErrorFileNotFound, name + ": cannot be opened: " + std::strerror(errno));
         }
         if (csv_init(&parser, CSV_STRICT | CSV_STRICT_FINI) != 0) {
             throw std::bad_alloc();

@@ -141,13 +141,10 @@ std::u16string FromNativePath(std::string_view path) {
     return FromUtf8(path);
 }
 
-std::unique_ptr<FileReader> OpenForReading(std::u16string_view path, int* error) {
+std::unique_ptr<FileReader> OpenForReading(std::u16string_view path) {
     auto reader = std::make_unique<PosixFileReader>();
-    const int problem = reader->Open(ToNativePath(path).c_str());
-    if (error != nullptr) {
-        *error = problem;
-    }
-    if (problem != 0) {
+    errno = reader->Open(ToNativePath(path).c_str());
+    if (errno != 0) {
         return nullptr;
     }
     return reader;

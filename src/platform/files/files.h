@@ -27,9 +27,9 @@ class FileReader {
                         std::size_t& read) = 0;
 };
 
-/// Opens an existing regular file for reading; null when that fails (a directory, too). The
-/// system's error number is in `error`, unless that is null.
-std::unique_ptr<FileReader> OpenForReading(std::u16string_view path, int* error = nullptr);
+/// Opens an existing regular file for reading; null when that fails (a directory, too), with the
+/// reason in `errno`.
+std::unique_ptr<FileReader> OpenForReading(std::u16string_view path);
 
 /// A file open for being changed in place. What goes wrong leaves its number in `errno`.
 class FileWriter {

@@ -241,10 +241,9 @@ Catalog Read(std::u16string_view path) {
     const std::lock_guard lock(readMutex);
     Problems problems;
     problems.fileName = files::ToUtf8Lossy(path);
-    int error = 0;
-    if (!files::OpenForReading(path, &error)) {
+    if (!files::OpenForReading(path)) {
         throw Error(ErrorFileNotFound,
-                    problems.fileName + ": cannot be opened: " + std::strerror(error));
+                    problems.fileName + ": cannot be opened: " + std::strerror(errno));
     }
     const auto file = Parse(files::ToNativePath(path), problems);
     if (!file || problems.count > 0) {
