@@ -1,6 +1,5 @@
 // A text part from outside. What can be read can be written, and takes no more room than it did but
-// for the marks of comments, and a section word and a head that were found in what stands before.
-// And it can be walked, whichever column is longer.
+// for the marks of comments. And it can be walked, whichever column is longer.
 
 #include <generalutilities/itd/document_walk.h>
 
@@ -31,8 +30,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     LanguageCodeOfFileLine(document.sourceSegments);
     const std::string written = SerializeTextPart(document);
-    constexpr std::size_t WordAndHead = 6 + sizeof(ItdBlock);
-    Require(written.size() <= size + 2 * document.commentStrings.size() + WordAndHead);
+    Require(written.size() <= size + 2 * document.commentStrings.size());
     Require(written.starts_with(document.headerBytes) && written.ends_with(document.footerBytes));
     ItdWalk walk;
     walk.Open(std::move(document));

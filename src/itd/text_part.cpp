@@ -79,8 +79,16 @@ class TextPartParser {
             return ItdParse::FaultyStream;
         }
         const bool early = bytes[run + TableSign] != '\xFF';
-        const std::size_t marker = bytes.find(Marker, HeadSize);
-        if ((early && !ReadStatusEntries(run + TableSign + 4)) || marker == NotFound) {
+        const std::size_t table = run + TableSign + 4;
+        if (early && !ReadStatusEntries(table)) {
+            return ItdParse::FaultyStream;
+        }
+        // Statuses and scores may look like a marker; the first record stands behind them.
+        const std::size_t tableEnd = document.statusEntries.empty()
+                                         ? 0
+                                         : table + document.statusEntries.size() * StatusEntrySize;
+        const std::size_t marker = bytes.find(Marker, tableEnd + HeadSize);
+        if (marker == NotFound) {
             return ItdParse::FaultyStream;
         }
         document.headerBytes = bytes.substr(0, marker - HeadSize);
@@ -145,7 +153,6 @@ class TextPartParser {
             if (record.block.f2 == ItdLastOfSection) {
                 segments.emplace_back(section.substr(segmentStart, at - segmentStart));
                 position += at * sizeof(char16_t);
-                lengthForm = (length - record.text.size()) * sizeof(char16_t) - HeadSize - 2;
                 return true;
             }
         }
@@ -156,27 +163,19 @@ class TextPartParser {
     /// What stands between the sections tells itself only by where the next marker is found. The
     /// search begins behind the last record: its own bytes, down to its marker, may look like one.
     bool GoToTarget() {
-        std::size_t marker = bytes.find(Marker, position);
-        if (marker == NotFound) {
+        const std::u16string_view rest = Rest();
+        const bool hasComments = rest.size() >= 2 && rest[0] != 0 && rest[1] == ItdMarker;
+        if (hasComments && !ReadComments()) {
             return false;
         }
-        // With no comment table, the first target record's head and the section word lie between.
-        bool tooNear = marker - position + 2 + lengthForm < 16;
-        if (tooNear && bytes.substr(position + 2, 2) == Marker) {
-            if (!ReadComments()) {
-                return false;
-            }
-            marker = bytes.find(Marker, position);
-            tooNear = false;
-        }
-        if (tooNear || !IsRecordMarker(marker)) {
+        // The section word and the head of the first target record lie before its marker.
+        const std::size_t nearest = position + 2 + HeadSize;
+        std::size_t marker = bytes.find(Marker, position);
+        if (marker < nearest || !IsRecordMarker(marker)) {
             // The section word or the head holds FF FE. The record is where it has to be, or
             // nowhere.
             const bool escaped = bytes.substr(position, 2) == "\xFF\xFF"sv;
-            marker = position + HeadSize + 2;
-            if (escaped && !IsRecordMarker(marker)) {
-                marker += 4;
-            }
+            marker = escaped && !IsRecordMarker(nearest) ? nearest + 4 : nearest;
             if (!IsRecordMarker(marker)) {
                 return false;
             }
@@ -193,15 +192,12 @@ class TextPartParser {
 
     /// Ends before the head of the first target record.
     void ReadSectionWord(std::size_t end) {
-        // In a gap of two bytes there is room for the short form alone; what looks like the escape
-        // of the long one is then the end of the text before.
-        const bool escaped = end != position + 2 && bytes.substr(end - 6, 2) == "\xFF\xFF"sv;
+        // Where there is room for the short form alone, what looks like the escape of the long one
+        // is the end of the text before.
+        const bool escaped = end >= position + 6 && bytes.substr(end - 6, 2) == "\xFF\xFF"sv;
         document.sectionWord = escaped ? ReadNumber<std::uint32_t>(bytes, end - 4)
                                        : ReadNumber<std::uint16_t>(bytes, end - 2);
-        const std::size_t start = end - (escaped ? 6 : 2);
-        if (start > position) {
-            document.gapBytes = bytes.substr(position, start - position);
-        }
+        document.gapBytes = bytes.substr(position, end - (escaped ? 6 : 2) - position);
     }
 
     bool ReadComments() {
@@ -232,7 +228,6 @@ class TextPartParser {
     std::size_t position = 0;   ///< in bytes
     std::u16string_view units;  ///< the bytes from `unitsStart` on
     std::size_t unitsStart = 0;
-    std::size_t lengthForm = 0;  ///< bytes before the text of the last record that give its length
 };
 
 /// Steps through the text part's header; behind the end everything reads as 0.

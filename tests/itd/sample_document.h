@@ -25,12 +25,13 @@ inline std::string SampleHeader(std::uint32_t entries, bool early, bool odd = fa
     return header;
 }
 
-/// A status table; entry i has the status i + 1 and the score (i + 1) / 4.
+/// A status table; entry i has the status i + 1 and the score (i + 1) / 4. Its unknown bytes look
+/// like the marker of a record.
 inline std::string SampleStatusTable(std::uint32_t entries) {
     std::string table;
     for (std::uint32_t status = 1; status <= entries; ++status) {
         const double score = status / 4.0;
-        table += std::string(8, '\x02');
+        table += "\xFF\xFE\xFF\2\2\2\2\2";
         table.append(reinterpret_cast<const char*>(&status), 4);
         table.append(reinterpret_cast<const char*>(&score), 8);
     }
@@ -84,6 +85,7 @@ inline ItdDocument RandomDocument(std::mt19937& random) {
         document.commentStrings.push_back(comment.empty() || comment[0] == ItdMarker ? u"\uFEFF"
                                                                                      : comment);
     }
+    document.gapBytes = std::string(below(3) == 0 ? below(40) : 0, '\5');
     document.sectionWord = word();
     return document;
 }

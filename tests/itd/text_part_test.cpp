@@ -16,6 +16,22 @@ bool SameSegments(std::span<const ItdSegment> a, std::span<const ItdSegment> b) 
     return std::ranges::equal(a, b, {}, &ItdSegment::Stored, &ItdSegment::Stored);
 }
 
+/// Whether a stream is read as the document that it was made of.
+bool IsReadBack(const ItdDocument& document, const std::string& stream) {
+    ItdTextHeader header;
+    ItdDocument again;
+    return ParseTextHeader(stream, header) == ItdParse::Complete &&
+           header.targetLanguage == u"de-DE" && stream[header.targetLanguageOffset] == 5 &&
+           ParseTextPart(stream, header.statusEntryCount, again) == ItdParse::Complete &&
+           again.headerBytes == document.headerBytes &&
+           again.statusEntries == document.statusEntries &&
+           SameSegments(again.sourceSegments, document.sourceSegments) &&
+           again.commentStrings == document.commentStrings && again.gapBytes == document.gapBytes &&
+           again.sectionWord == document.sectionWord &&
+           SameSegments(again.targetSegments, document.targetSegments) &&
+           again.footerBytes == document.footerBytes && SerializeTextPart(again) == stream;
+}
+
 /// Whether bytes that are no marker stand where the format takes them for one.
 bool IsAmbiguous(const ItdDocument& document) {
     const bool longWord = document.sectionWord > 0xFFFF;
@@ -23,12 +39,17 @@ bool IsAmbiguous(const ItdDocument& document) {
     between.append(reinterpret_cast<const char*>(&document.sectionWord), longWord ? 4 : 2);
     const std::u16string_view head = document.targetSegments[0].Stored();
     between.append(reinterpret_cast<const char*>(head.data()), 19);
-    const std::size_t found = between.find("\xFF\xFE"sv);
+    const std::size_t marker = between.size() - 3;
+    const bool isLikeComments = document.commentStrings.empty() &&
+                                between.substr(0, 2) != "\0\0"sv &&
+                                between.substr(2, 2) == "\xFF\xFE"sv;
     const ItdBlock first = (*document.sourceSegments[0].begin()).block;
     const std::string start(reinterpret_cast<const char*>(&first), sizeof first);
-    return start.find("\xFF\xFE"sv) != start.npos ||
-           (found != between.size() - 3 && between.substr(found, 3) == "\xFF\xFE\xFF"sv) ||
-           (document.commentStrings.empty() && between.substr(2, 2) == "\xFF\xFE"sv);
+    const bool tableIsEarly = document.footerBytes.empty() && !document.statusEntries.empty();
+    return (!tableIsEarly && start.find("\xFF\xFE"sv) != start.npos) ||
+           (document.gapBytes.empty()
+                ? isLikeComments || between.find("\xFF\xFE\xFF"sv, 18) != marker
+                : between.find("\xFF\xFE"sv) != marker);
 }
 
 TEST(TextPart, WhatIsWrittenIsReadBack) {
@@ -38,26 +59,10 @@ TEST(TextPart, WhatIsWrittenIsReadBack) {
     int read = 0;
     for (int i = 0; i < 3000; ++i) {
         const ItdDocument document = RandomDocument(random);
-        if (IsAmbiguous(document)) {
-            continue;
+        if (!IsAmbiguous(document)) {
+            ASSERT_TRUE(IsReadBack(document, SerializeTextPart(document)));
+            ++read;
         }
-        ++read;
-        const std::string stream = SerializeTextPart(document);
-        ItdTextHeader header;
-        ASSERT_EQ(ParseTextHeader(stream, header), ItdParse::Complete);
-        ASSERT_EQ(header.targetLanguage, u"de-DE");
-        ASSERT_EQ(stream[header.targetLanguageOffset], 5);
-        ItdDocument again;
-        ASSERT_EQ(ParseTextPart(stream, header.statusEntryCount, again), ItdParse::Complete);
-        ASSERT_EQ(again.headerBytes, document.headerBytes);
-        ASSERT_TRUE(SameSegments(again.sourceSegments, document.sourceSegments));
-        ASSERT_TRUE(SameSegments(again.targetSegments, document.targetSegments));
-        ASSERT_EQ(again.commentStrings, document.commentStrings);
-        ASSERT_EQ(again.sectionWord, document.sectionWord);
-        ASSERT_EQ(again.gapBytes, "");
-        ASSERT_EQ(again.footerBytes, document.footerBytes);
-        ASSERT_EQ(again.statusEntries, document.statusEntries);
-        ASSERT_EQ(SerializeTextPart(again), stream);
     }
     EXPECT_GT(read, 1000);
 }
@@ -88,27 +93,9 @@ TEST(TextPart, SectionsAreFoundAmongLookalikes) {
             if (commented) {
                 document.commentStrings = {row[0].empty() ? u"x" : u"x" + row[0]};
             }
-            const std::string stream = SerializeTextPart(document);
-            ItdDocument again;
-            const bool same = ParseTextPart(stream, 0, again) == ItdParse::Complete &&
-                              again.sectionWord == document.sectionWord && again.gapBytes.empty() &&
-                              again.commentStrings == document.commentStrings &&
-                              SerializeTextPart(again) == stream;
-            EXPECT_EQ(same ? u"same" : u"lost", row[commented ? 4 : 3]);
+            EXPECT_EQ(IsReadBack(document, SerializeTextPart(document)) ? u"same" : u"lost",
+                      row[commented ? 4 : 3]);
         }
-    }
-}
-
-TEST(TextPart, UnknownBytesBetweenTheSectionsStay) {
-    for (std::size_t gap = 1; gap < 40; ++gap) {
-        ItdDocument document = SmallDocument(u"source");
-        document.gapBytes = std::string(gap, '\x05');
-        const std::string stream = SerializeTextPart(document);
-        ItdDocument again;
-        ASSERT_EQ(ParseTextPart(stream, 0, again), ItdParse::Complete) << gap;
-        EXPECT_EQ(again.gapBytes, document.gapBytes);
-        EXPECT_EQ((*again.targetSegments[0].begin()).text, u"target");
-        EXPECT_EQ(SerializeTextPart(again), stream);
     }
 }
 
