@@ -62,7 +62,6 @@ void* CITDReader::FindInterface(REFIID iid) noexcept {
 
 HRESULT CITDReader::OpenITDFile(BSTR fileName) noexcept {
     return Guarded([&] {
-        walk.Close();
         LoadedTextPart part;
         ItdTextHeader header;
         ItdDocument document;
@@ -70,13 +69,13 @@ HRESULT CITDReader::OpenITDFile(BSTR fileName) noexcept {
         if (Failed(status)) {
             return status;
         }
-        sourceLanguage = header.sourceLanguage;
-        targetLanguage = header.targetLanguage;
+        sourceLanguage.swap(header.sourceLanguage);
+        targetLanguage.swap(header.targetLanguage);
+        walk.Close();  // before the new document takes as much memory
         status = OpenSegments(part, Reporter, header, document);
         if (Succeeded(status)) {
             PutSourceFirst(document, targetLanguage);
             walk.Open(std::move(document));
-            status = S_OK;
         }
         return status;
     });

@@ -10,8 +10,9 @@
 
 namespace generalutilities {
 
-/// The class behind `ITDReader`: a walk over the document that was opened last. A failed opening
-/// leaves no document, and the values of the current segment as they were.
+/// The class behind `ITDReader`: a walk over the document that was opened last. A file without a
+/// known header changes nothing. One whose segments cannot be read leaves its languages and no
+/// document; the values of the current segment stay.
 class CITDReader : public Dual<IITDReader, DescribeITDReader>, public RichErrors<IID_IITDReader> {
   public:
     void* FindInterface(REFIID iid) noexcept;

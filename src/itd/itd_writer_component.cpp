@@ -3,7 +3,6 @@
 #include <generalutilities/interfaces/class_ids.h>
 
 #include "frame/bstr_text.h"
-#include "frame/error_reporting.h"
 #include "itd/open_document.h"
 
 #include <utility>
@@ -12,10 +11,6 @@ namespace generalutilities {
 namespace {
 
 constexpr ItdReporter Reporter{CLSID_ITDWriter, IID_IITDWriter};
-
-HRESULT Report(const char16_t* words, HRESULT status) {
-    return ReportError(CLSID_ITDWriter, words, IID_IITDWriter, status);
-}
 
 HRESULT GiveText(std::u16string_view text, BSTR* out) {
     return out == nullptr ? E_POINTER : Give(text, out);
@@ -43,14 +38,15 @@ void* CITDWriter::FindInterface(REFIID iid) noexcept {
 
 HRESULT CITDWriter::OpenReferenceITD(BSTR fileName) noexcept {
     return Guarded([&] {
-        rewrite.Close();
         LoadedTextPart part;
         ItdTextHeader header;
         ItdDocument document;
         HRESULT status = OpenTextHeader(TerminatedView(fileName), Reporter, part, header);
-        if (Succeeded(status)) {
-            status = OpenSegments(part, Reporter, header, document);
+        if (Failed(status)) {
+            return status;
         }
+        Close();
+        status = OpenSegments(part, Reporter, header, document);
         if (Failed(status)) {
             return status;
         }
@@ -63,7 +59,13 @@ HRESULT CITDWriter::OpenReferenceITD(BSTR fileName) noexcept {
 }
 
 HRESULT CITDWriter::CloseFile() noexcept {
-    return Done([&] { rewrite.Close(); });
+    return Done([&] { Close(); });
+}
+
+/// Without a document no file is a copy of its reference, so that nothing is written into one.
+void CITDWriter::Close() {
+    rewrite.Close();
+    reference = {};
 }
 
 HRESULT CITDWriter::WriteToFile(BSTR fileName) noexcept {
@@ -74,20 +76,9 @@ HRESULT CITDWriter::WriteToFile(BSTR fileName) noexcept {
             return Reporter.Report(itderrWrongTextHeader);
         }
         if (change != LanguageChange::Done) {
-            return Report(LanguageChangeText(change), E_FAIL);
+            return Reporter.Report(E_FAIL, LanguageChangeText(change));
         }
-        const std::u16string_view destination = TerminatedView(fileName);
-        switch (reference.Compare(destination)) {
-            case ReferenceCopy::Answer::IsCopy:
-                return ReplaceTextPart(destination, reference.LengthFieldOffset(), bytes, Reporter);
-            case ReferenceCopy::Answer::IsReference:
-                return Report(u"The destination is the reference file itself", E_INVALIDARG);
-            case ReferenceCopy::Answer::IsOther:
-                return Report(u"The destination is no copy of the reference file", E_INVALIDARG);
-            case ReferenceCopy::Answer::Unreadable:
-                break;
-        }
-        return Reporter.Report(itderrUnableToOpenFile);
+        return ReplaceTextPart(TerminatedView(fileName), reference, bytes, Reporter);
     });
 }
 

@@ -11,7 +11,8 @@
 namespace generalutilities {
 
 /// The class behind `ITDWriter`: a rewrite of the reference that was opened last, which goes into a
-/// copy of it. The reference itself is never opened for writing.
+/// copy of it. The reference itself is never opened for writing. A file without a known header
+/// leaves the reference before it open; one whose segments cannot be read leaves none.
 class CITDWriter : public Dual<IITDWriter, DescribeITDWriter>, public RichErrors<IID_IITDWriter> {
   public:
     void* FindInterface(REFIID iid) noexcept;
@@ -34,6 +35,8 @@ class CITDWriter : public Dual<IITDWriter, DescribeITDWriter>, public RichErrors
     HRESULT ReverseLanguages() noexcept override;
 
   private:
+    void Close();
+
     ItdRewrite rewrite;
     ReferenceCopy reference;
 };

@@ -12,12 +12,11 @@ namespace generalutilities {
 
 namespace {
 
-/// A new archive manager; it ends with the use that it was made for.
+/// A new archive manager, which ends with the use that it was made for; null where there is none.
 ComPtr<IZipManager> CreateZipManager() {
     ComPtr<IZipManager> manager;
-    const HRESULT status =
-        CoCreateInstance(CLSID_ZipManager, nullptr, CLSCTX_ALL, IID_IZipManager, manager.OutVoid());
-    return Failed(status) ? ComPtr<IZipManager>() : manager;
+    CoCreateInstance(CLSID_ZipManager, nullptr, CLSCTX_ALL, IID_IZipManager, manager.OutVoid());
+    return manager;
 }
 
 Bstr FileName(std::u16string_view path) {
@@ -30,8 +29,12 @@ Bstr FileName(std::u16string_view path) {
 
 }  // namespace
 
+HRESULT ItdReporter::Report(HRESULT status, const char16_t* words) const {
+    return ReportError(clsid, words, iid, status);
+}
+
 HRESULT ItdReporter::Report(HRESULT status) const {
-    return ReportError(clsid, ItdErrorText(status), iid, status);
+    return Report(status, ItdErrorText(status));
 }
 
 HRESULT LoadTextPart(std::u16string_view path, const ItdReporter& reporter, LoadedTextPart& part) {
@@ -52,11 +55,22 @@ HRESULT LoadTextPart(std::u16string_view path, const ItdReporter& reporter, Load
     return status;
 }
 
-HRESULT ReplaceTextPart(std::u16string_view path, std::uint32_t lengthFieldOffset,
+HRESULT ReplaceTextPart(std::u16string_view path, const ReferenceCopy& reference,
                         std::string_view bytes, const ItdReporter& reporter) {
     const ComPtr<IZipManager> manager = CreateZipManager();
     if (!manager) {
         return reporter.Report(itderrUnableToAccessZip);
+    }
+    switch (reference.Compare(path)) {
+        case ReferenceCopy::Answer::IsCopy:
+            break;
+        case ReferenceCopy::Answer::IsReference:
+            return reporter.Report(E_INVALIDARG, u"The destination is the reference file itself");
+        case ReferenceCopy::Answer::IsOther:
+            return reporter.Report(E_INVALIDARG,
+                                   u"The destination is no copy of the reference file");
+        case ReferenceCopy::Answer::Unreadable:
+            return reporter.Report(itderrUnableToOpenFile);
     }
     if (bytes.size() > std::numeric_limits<std::int32_t>::max()) {
         return E_OUTOFMEMORY;
@@ -71,12 +85,14 @@ HRESULT ReplaceTextPart(std::u16string_view path, std::uint32_t lengthFieldOffse
     std::uint32_t trailerValue = 0;
     manager->ComputeTrailerValue(buffer.Get(), length, &trailerValue);
     std::uint32_t compressedLength = 0;
-    const HRESULT status = manager->WriteTextPart(FileName(path).Get(), lengthFieldOffset + 4,
-                                                  length, buffer.Get(), &compressedLength);
+    const HRESULT status =
+        manager->WriteTextPart(FileName(path).Get(), reference.LengthFieldOffset() + 4, length,
+                               buffer.Get(), &compressedLength);
     if (Failed(status)) {
         return status;
     }
-    const HRESULT closed = CloseTextPart(path, lengthFieldOffset, compressedLength, trailerValue);
+    const HRESULT closed =
+        CloseTextPart(path, reference.LengthFieldOffset(), compressedLength, trailerValue);
     return closed == itderrUnableToOpenFile ? reporter.Report(closed) : closed;
 }
 

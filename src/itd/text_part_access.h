@@ -2,6 +2,7 @@
 
 #include <generalutilities/automation/pointers.h>
 #include <generalutilities/itd/envelope.h>
+#include <generalutilities/itd/reference_copy.h>
 
 #include <string_view>
 
@@ -15,7 +16,9 @@ struct ItdReporter {
     REFCLSID clsid;
     REFIID iid;
 
-    /// Reports one of the `ITDErrorCode`s with its words, and gives it back.
+    /// Reports a failure, and gives its status back.
+    HRESULT Report(HRESULT status, const char16_t* words) const;
+    /// One of the `ITDErrorCode`s, with its words.
     HRESULT Report(HRESULT status) const;
 };
 
@@ -31,9 +34,9 @@ struct LoadedTextPart {
 /// Reads the envelope and has the text part unpacked. Throws `std::bad_alloc`.
 HRESULT LoadTextPart(std::u16string_view path, const ItdReporter& reporter, LoadedTextPart& part);
 
-/// Puts a text part in the place of the one that a file has, in place; `lengthFieldOffset` is where
-/// its envelope has the compressed length. Throws `std::bad_alloc`.
-HRESULT ReplaceTextPart(std::u16string_view path, std::uint32_t lengthFieldOffset,
+/// Puts a text part in the place of the one that a copy of the reference has, in place. Another
+/// file, and the reference itself, is not touched. Throws `std::bad_alloc`.
+HRESULT ReplaceTextPart(std::u16string_view path, const ReferenceCopy& reference,
                         std::string_view bytes, const ItdReporter& reporter);
 
 }  // namespace generalutilities

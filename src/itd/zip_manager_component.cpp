@@ -3,11 +3,14 @@
 #include <generalutilities/automation/pointers.h>
 #include <generalutilities/itd/archive.h>
 
-#include "frame/bstr_text.h"
-
 namespace generalutilities {
 
 namespace {
+
+/// A file's name may be any wide string.
+std::u16string_view Name(const char16_t* fileName) {
+    return fileName == nullptr ? std::u16string_view() : fileName;
+}
 
 /// The first bytes of a buffer; false where it does not hold so many.
 bool BytesIn(BSTR buffer, std::uint32_t length, std::string_view& bytes) {
@@ -37,7 +40,7 @@ HRESULT CZipManager::ReadTextPart(BSTR fileName, std::uint32_t offset,
             *buffer.Out() = SysAllocStringByteLen(nullptr, static_cast<std::uint32_t>(most));
             return reinterpret_cast<char*>(buffer.Get());
         };
-        const HRESULT status = UnpackTextPart(View(fileName), offset, compressedLength, room, size);
+        const HRESULT status = UnpackTextPart(Name(fileName), offset, compressedLength, room, size);
         if (Failed(status)) {
             return status;
         }
@@ -75,7 +78,7 @@ HRESULT CZipManager::WriteTextPart(BSTR fileName, std::uint32_t offset, std::uin
         return E_INVALIDARG;
     }
     return Guarded(
-        [&] { return PackTextPart(View(fileName), offset, content, *compressedLength); });
+        [&] { return PackTextPart(Name(fileName), offset, content, *compressedLength); });
 }
 
 }  // namespace generalutilities

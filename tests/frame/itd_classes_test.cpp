@@ -5,12 +5,20 @@
 #include <generalutilities/interfaces/class_ids.h>
 #include <generalutilities/interfaces/itd.h>
 
+#include "frame/without_late_binding.h"
 #include "itd/sample_file.h"
 #include "text/decimal.h"
 #include "values.h"
 
 namespace generalutilities {
 namespace {
+
+template <class Interface, class Value>
+Value Get(const ComPtr<Interface>& object, HRESULT (Interface::*getter)(Value*)) {
+    Value value{};
+    EXPECT_EQ((object.Get()->*getter)(&value), S_OK);
+    return value;
+}
 
 class ItdClassesTest : public testing::Test {
   protected:
@@ -21,30 +29,22 @@ class ItdClassesTest : public testing::Test {
         EXPECT_EQ(DllCanUnloadNow(), S_OK);
     }
 
-    /// What a getter gives.
-    std::u16string Text(HRESULT (IITDReader::*getter)(BSTR*)) {
+    template <class Getter, class... Index>
+    std::u16string Text(Getter getter, Index... index) {
         Bstr text;
-        return (reader.Get()->*getter)(text.Out()) == S_OK ? text.Text() : u"failed";
-    }
-    std::u16string Text(HRESULT (IITDReader::*getter)(std::int32_t, BSTR*), std::int32_t index) {
-        Bstr text;
-        return (reader.Get()->*getter)(index, text.Out()) == S_OK ? text.Text() : u"failed";
+        return (reader.Get()->*getter)(index..., text.Out()) == S_OK ? text.Text() : u"failed";
     }
     /// The current segment.
     std::u16string Segment() {
-        std::int32_t count = 0, status = 0;
-        double score = 0;
         std::u16string all =
             Text(&IITDReader::get_SourceText) + u"|" + Text(&IITDReader::get_TargetText);
-        EXPECT_EQ(reader->get_SourceCodeCount(&count), S_OK);
+        const std::int32_t count = Get(reader, &IITDReader::get_SourceCodeCount);
         for (std::int32_t i = 0; i < count; ++i) {
             all += u"|" + CodeString(Text(&IITDReader::get_SourceCode, i), true);
         }
-        EXPECT_EQ(reader->get_Status(&status), S_OK);
-        EXPECT_EQ(reader->get_Score(&score), S_OK);
-        return all + u"|" + Decimal(status) +
-               (score == status / 4.0 ? u"|" : u" with another score|") +
-               Text(&IITDReader::get_Comment);
+        const std::int32_t status = Get(reader, &IITDReader::get_Status);
+        EXPECT_EQ(Get(reader, &IITDReader::get_Score), status / 4.0);
+        return all + u"|" + Decimal(status) + u"|" + Text(&IITDReader::get_Comment);
     }
     TemporaryFolder folder;
     Bstr path{folder.Path(u"a.itd")};
@@ -56,50 +56,35 @@ class ItdClassesTest : public testing::Test {
 TEST_F(ItdClassesTest, ReaderWalksADocument) {
     for (const bool targetFirst : {false, true}) {
         WriteItdFile(path.Text(), SampleTextPart(targetFirst));
-        std::int32_t count = -1;
-        VARIANT_BOOL more = 7;
         ASSERT_EQ(reader->OpenITDFile(path.Get()), S_OK);
         EXPECT_EQ(Text(&IITDReader::get_SourceLanguage), u"en-US");
         EXPECT_EQ(Text(&IITDReader::get_TargetLanguage), u"de-DE");
-        EXPECT_EQ(reader->get_SegmentCount(&count), S_OK);
-        EXPECT_EQ(count, 4);
+        EXPECT_EQ(Get(reader, &IITDReader::get_SegmentCount), 4);
         EXPECT_EQ(reader->put_EmbeddedCodeID(7), S_OK);
         EXPECT_EQ(reader->Restart(), S_OK);
-        const std::u16string first = u"one{7}two|eins{7}zwei|";
-        EXPECT_EQ(Segment().substr(0, first.size()), first);
-        EXPECT_EQ(reader->get_EmbeddedCodeID(&count), S_OK);
-        EXPECT_EQ(count, 8);
+        EXPECT_TRUE(Segment().starts_with(u"one{7}two|eins{7}zwei|"));
+        EXPECT_EQ(Get(reader, &IITDReader::get_EmbeddedCodeID), 8);
         EXPECT_TRUE(Segment().ends_with(u"||1|Ann: note\r\n"));
-        EXPECT_EQ(reader->Next(&more), S_OK);
-        EXPECT_EQ(more, VARIANT_TRUE);
+        EXPECT_EQ(Get(reader, &IITDReader::Next), VARIANT_TRUE);
         EXPECT_EQ(Segment(),
                   u"a\\{b\\\\||<itbh><pid>0</pid><f2>32</f2><f3>0</f3><sid>2</sid></itbh>||2|");
-        EXPECT_EQ(reader->get_TargetCodeCount(&count), S_OK);
-        EXPECT_EQ(count, 2);
-        EXPECT_EQ(reader->Next(&more), S_OK);
+        EXPECT_EQ(Get(reader, &IITDReader::get_TargetCodeCount), 2);
+        EXPECT_EQ(Get(reader, &IITDReader::Next), VARIANT_TRUE);
         EXPECT_EQ(Segment(), u"||<itbh><pid>0</pid><f2>1</f2><f3>0</f3><sid>3</sid></itbh>‹x›|2|");
         EXPECT_EQ(reader->ReverseLanguages(), S_OK);
-        EXPECT_EQ(reader->get_More(&more), S_OK);
-        EXPECT_EQ(more, VARIANT_TRUE);
+        EXPECT_EQ(Get(reader, &IITDReader::get_More), VARIANT_TRUE);
         EXPECT_EQ(reader->Restart(), S_OK);
         EXPECT_TRUE(Segment().starts_with(u"eins{8}zwei|one{8}two|"));
-        for (int i = 0; i < 3; ++i) {
-            EXPECT_EQ(reader->Next(&more), S_OK);
+        for (int i = 0; i < 5; ++i) {
+            EXPECT_EQ(Get(reader, &IITDReader::get_More), i < 3 ? VARIANT_TRUE : VARIANT_FALSE);
+            EXPECT_EQ(Get(reader, &IITDReader::Next), i < 3 ? VARIANT_TRUE : VARIANT_FALSE);
         }
-        for (int i = 0; i < 2; ++i) {
-            EXPECT_EQ(reader->get_More(&more), S_OK);
-            EXPECT_EQ(more, VARIANT_FALSE);
-            EXPECT_EQ(reader->Next(&more), S_OK);
-            EXPECT_EQ(more, VARIANT_FALSE);
-        }
-        EXPECT_EQ(reader->get_ExtraInfoCount(&count), S_OK);
-        EXPECT_EQ(count, 1);
+        EXPECT_EQ(Get(reader, &IITDReader::get_ExtraInfoCount), 1);
         EXPECT_TRUE(Text(&IITDReader::get_ExtraInfo, 0).starts_with(u"<?x?><c>"));
         EXPECT_TRUE(Text(&IITDReader::get_BinaryHeader).starts_with(u"<binheader>00000000"));
         EXPECT_EQ(Text(&IITDReader::get_BinaryFooter), u"<binfooter>656E64</binfooter>");
         EXPECT_EQ(reader->CloseFile(), S_OK);
-        EXPECT_EQ(reader->get_SegmentCount(&count), S_OK);
-        EXPECT_EQ(count, 0);
+        EXPECT_EQ(Get(reader, &IITDReader::get_SegmentCount), 0);
         EXPECT_EQ(Text(&IITDReader::get_SourceLanguage), u"en-US");
     }
 }
@@ -128,78 +113,124 @@ TEST_F(ItdClassesTest, ArgumentsAreChecked) {
     EXPECT_EQ(writer->get_SegmentCount(nullptr), E_POINTER);
 }
 
-/// A class object whose instances cannot be made.
-class NoManager final : public IClassFactory {
+/// A host's own archive manager, which answers with a status of its choice and stores nothing. Of
+/// `IUnknown` it may only be asked to go.
+class HostsManager final : public WithoutLateBinding<IZipManager> {
   public:
+    HRESULT QueryInterface(REFIID, void**) noexcept override { return AddRef(), E_NOINTERFACE; }
+    std::uint32_t AddRef() noexcept override {
+        ADD_FAILURE();
+        return 2;
+    }
+    std::uint32_t Release() noexcept override { return 1; }
+    HRESULT ReadTextPart(BSTR, std::uint32_t, std::uint32_t, std::uint32_t*,
+                         BSTR*) noexcept override {
+        return status;
+    }
+    HRESULT ComputeTrailerValue(BSTR, std::uint32_t, std::uint32_t*) noexcept override {
+        return E_FAIL;
+    }
+    HRESULT WriteTextPart(BSTR, std::uint32_t, std::uint32_t, BSTR,
+                          std::uint32_t*) noexcept override {
+        return status;
+    }
+    HRESULT status = itderrBadMagic;
+};
+
+/// In its life the library gets the host's managers; with none, they cannot be made.
+class ManagerClass final : public IClassFactory {
+  public:
+    explicit ManagerClass(IZipManager* instance) : manager(instance) {
+        EXPECT_EQ(CoRegisterClassObject(CLSID_ZipManager, this, CLSCTX_ALL, 1, &cookie), S_OK);
+    }
+    ~ManagerClass() { CoRevokeClassObject(cookie); }
     HRESULT QueryInterface(REFIID, void** object) noexcept override {
         *object = this;
         return S_OK;
     }
     std::uint32_t AddRef() noexcept override { return 2; }
     std::uint32_t Release() noexcept override { return 1; }
-    HRESULT CreateInstance(IUnknown*, REFIID, void**) noexcept override { return E_NOTIMPL; }
+    HRESULT CreateInstance(IUnknown*, REFIID, void** object) noexcept override {
+        *object = manager;
+        return manager == nullptr ? E_NOTIMPL : S_OK;
+    }
     HRESULT LockServer(std::int32_t) noexcept override { return S_OK; }
+
+  private:
+    IZipManager* manager;
+    std::uint32_t cookie = 0;
 };
 
 TEST_F(ItdClassesTest, FailuresHaveTheirWords) {
     const std::string good = ReadFile(path.Text());
-    std::string badHeader = SampleTextPart();
+    const std::string sample = SampleTextPart();
+    std::string badHeader = sample;
     badHeader[8] = '\xFF';
     const auto make = [&](std::string_view textPart) {
         WriteItdFile(path.Text(), textPart);
         return ReadFile(path.Text());
     };
-    const std::string sample = SampleTextPart();
     struct Row {
         std::string file;
         HRESULT status;
         std::u16string words;
-        bool languagesToo = true;
+        bool readsHeader = false;
     };
     const Row table[] = {
+        {make(sample.substr(0, sample.size() - 60)), itderrTextParsing,
+         u"Error while parsing text data", true},
         {"", itderrBadMagic, u"Bad Magic Number"},
         {good.substr(0, 10), itderrBadVersion, u"Unrecognised Version"},
         {good.substr(0, good.size() - 1), itderrUnableToReadFile, u"Unable to read data"},
         {std::string(good).replace(SampleLengthOffset + 4, 1, "?"), ErrorInvalidData, u""},
         {make(badHeader), itderrWrongTextHeader, u"Unknown header format in text part"},
         {make(""), itderrWrongTextHeader, u"Unknown header format in text part"},
-        {make(sample.substr(0, sample.size() - 60)), itderrTextParsing,
-         u"Error while parsing text data", false},
     };
-    const auto expect = [&](HRESULT status, const Row& row, const char16_t* className) {
+    WriteFile(copy.Text(), good);
+    Bstr source, target(u"held");
+    EXPECT_EQ(reader->GetLangsOnly(copy.Get(), source.Out(), target.InOut()), S_OK);
+    EXPECT_EQ(source.Text() + target.Text(), u"en-USde-DE");
+
+    const auto expect = [&](HRESULT status, const Row& row, const std::u16string& className) {
         EXPECT_EQ(status, row.status);
-        EXPECT_EQ(Report(), row.words.empty() ? u"nothing"
-                                              : u"GeneralUtilities." + std::u16string(className) +
-                                                    u".1: " + row.words);
+        EXPECT_EQ(Report(), row.words.empty()
+                                ? u"nothing"
+                                : u"GeneralUtilities." + className + u".1: " + row.words);
     };
     const auto expectAll = [&](const Row& row) {
         SCOPED_TRACE(testing::PrintToString(row.words));
         SetErrorInfo(0, nullptr);
-        Bstr source, target;
         expect(reader->OpenITDFile(path.Get()), row, u"ITDReader");
         expect(writer->OpenReferenceITD(path.Get()), row, u"ITDWriter");
-        if (row.languagesToo) {
-            expect(reader->GetLangsOnly(path.Get(), source.Out(), target.Out()), row, u"ITDReader");
+        if (!row.readsHeader) {
+            expect(reader->GetLangsOnly(path.Get(), source.InOut(), target.InOut()), row,
+                   u"ITDReader");
         }
-        std::int32_t count = -1;
-        EXPECT_EQ(reader->get_SegmentCount(&count), S_OK);
-        EXPECT_EQ(count, 0);
-        EXPECT_EQ(writer->get_SegmentCount(&count), S_OK);
-        EXPECT_EQ(count, 0);
+        // A file with no header changes nothing; one with no segments leaves none.
+        EXPECT_EQ(Get(reader, &IITDReader::get_SegmentCount), row.readsHeader ? 0 : 4);
+        EXPECT_EQ(Get(writer, &IITDWriter::get_SegmentCount), row.readsHeader ? 0 : 4);
     };
     for (const Row& row : table) {
+        EXPECT_EQ(reader->OpenITDFile(copy.Get()), S_OK);
+        EXPECT_EQ(writer->OpenReferenceITD(copy.Get()), S_OK);
         WriteFile(path.Text(), row.file);
         expectAll(row);
     }
+    const Row noManager{{}, itderrUnableToAccessZip, u"Unable to access the zip manager"};
     WriteFile(path.Text(), good);
-    Bstr source, target(u"held");
-    EXPECT_EQ(reader->GetLangsOnly(path.Get(), source.Out(), target.InOut()), S_OK);
-    EXPECT_EQ(source.Text() + target.Text(), u"en-USde-DE");
-    NoManager manager;
-    std::uint32_t cookie = 0;
-    ASSERT_EQ(CoRegisterClassObject(CLSID_ZipManager, &manager, CLSCTX_ALL, 1, &cookie), S_OK);
-    expectAll({{}, itderrUnableToAccessZip, u"Unable to access the zip manager"});
-    CoRevokeClassObject(cookie);
+    {
+        const ManagerClass none(nullptr);
+        expectAll(noManager);
+        expect(writer->WriteToFile(Bstr(u"none").Get()), noManager, u"ITDWriter");
+    }
+    HostsManager manager;
+    const ManagerClass hosts(&manager);
+    expectAll({{}, itderrBadMagic, u""});
+    expect(writer->WriteToFile(path.Get()), {{}, itderrBadMagic, u""}, u"ITDWriter");
+    EXPECT_EQ(ReadFile(path.Text()), good);
+    manager.status = S_FALSE;
+    EXPECT_EQ(writer->WriteToFile(path.Get()), S_OK) << "the trailer value's status does not count";
+    EXPECT_EQ(ReadFile(path.Text()), good.substr(0, SampleLengthOffset) + std::string(8, '\0'));
     path = Bstr(folder.Path(u"none"));
     expectAll({{}, itderrUnableToOpenFile, u"Unable to open File"});
 }
@@ -213,11 +244,9 @@ TEST_F(ItdClassesTest, DamagedFilesAreToldOrWalked) {
         const HRESULT status = reader->OpenITDFile(path.Get());
         const std::u16string report = Report();
         if (status == S_OK) {
-            VARIANT_BOOL more = VARIANT_TRUE;
             EXPECT_EQ(reader->Restart(), S_OK);
-            while (reader->Next(&more) == S_OK && more != VARIANT_FALSE) {
+            while (Get(reader, &IITDReader::Next) != VARIANT_FALSE) {
             }
-            EXPECT_EQ(more, VARIANT_FALSE);
             WriteNewFile(copy.Text(), file);
             EXPECT_EQ(writer->OpenReferenceITD(path.Get()), S_OK);
             EXPECT_EQ(writer->put_TargetText(Bstr(u"x{1}").Get()), S_OK);
@@ -257,10 +286,8 @@ TEST_F(ItdClassesTest, DamagedFilesAreToldOrWalked) {
 
 TEST_F(ItdClassesTest, WriterPutsTextIntoACopy) {
     const std::string before = ReadFile(path.Text());
-    std::int32_t count = 0;
     ASSERT_EQ(writer->OpenReferenceITD(path.Get()), S_OK);
-    EXPECT_EQ(writer->get_SegmentCount(&count), S_OK);
-    EXPECT_EQ(count, 4);
+    EXPECT_EQ(Get(writer, &IITDWriter::get_SegmentCount), 4);
     EXPECT_EQ(writer->put_TargetLanguage(Bstr(u"fr").Get()), S_OK);
     EXPECT_EQ(writer->Next(), S_OK);
     EXPECT_EQ(writer->put_CodeBeforeSegment(Bstr(u"<itbh><f2>32</f2><sid>2</sid></itbh>").Get()),
@@ -274,13 +301,11 @@ TEST_F(ItdClassesTest, WriterPutsTextIntoACopy) {
 
     ASSERT_EQ(reader->OpenITDFile(copy.Get()), S_OK);
     EXPECT_EQ(Text(&IITDReader::get_TargetLanguage), u"fr");
-    VARIANT_BOOL more = 0;
     EXPECT_EQ(reader->Restart(), S_OK);
     EXPECT_TRUE(Segment().starts_with(u"one{1}two|eins{1}zwei|"));
-    EXPECT_EQ(reader->Next(&more), S_OK);
+    EXPECT_EQ(Get(reader, &IITDReader::Next), VARIANT_TRUE);
     EXPECT_TRUE(Segment().starts_with(u"source|target|"));
-    EXPECT_EQ(reader->get_SegmentCount(&count), S_OK);
-    EXPECT_EQ(count, 4);
+    EXPECT_EQ(Get(reader, &IITDReader::get_SegmentCount), 4);
 }
 
 TEST_F(ItdClassesTest, WriterRefusesWhatIsNoCopy) {
@@ -309,6 +334,8 @@ TEST_F(ItdClassesTest, WriterRefusesWhatIsNoCopy) {
     std::filesystem::remove(path.Text());
     EXPECT_EQ(writer->WriteToFile(copy.Get()), S_OK);
     EXPECT_EQ(ReadFile(copy.Text()), before);
+    EXPECT_EQ(writer->CloseFile(), S_OK);
+    EXPECT_EQ(writer->WriteToFile(copy.Get()), E_INVALIDARG) << "there is no document to write";
     EXPECT_EQ(writer->put_TargetLanguage(Bstr(std::u16string(256, u'x')).Get()), S_OK);
     EXPECT_EQ(writer->WriteToFile(copy.Get()), E_FAIL);
     EXPECT_EQ(Report(), name + u"Error: Language code too long!");

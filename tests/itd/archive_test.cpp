@@ -1,13 +1,10 @@
-// The file around the text part: its envelope, and the archive manager that packs and unpacks.
+// The file around the text part: its envelope, and the compressed stream in it.
 
-#include <generalutilities/automation/zip_manager.h>
 #include <generalutilities/error.h>
 #include <generalutilities/itd/archive.h>
+#include <generalutilities/itd/itd_file.h>
 
 #include "database/temporary_folder.h"
-#include "frame/class_factory.h"
-#include "itd/text_part_access.h"
-#include "itd/zip_manager_component.h"
 
 #include <gtest/gtest.h>
 #include <random>
@@ -36,22 +33,17 @@ class ArchiveTest : public testing::Test {
         WriteFile(folder / "a.itd", bytes);
         return ReadArchiveHeader(path, header);
     }
-    HRESULT Load() { return LoadTextPart(path, reporter, part); }
-    /// The description that was reported last, if any.
-    std::u16string Reported() {
-        ComPtr<IErrorInfo> info;
-        Bstr text;
-        if (GetErrorInfo(0, info.Out()) == S_OK) {
-            info->GetDescription(text.Out());
-        }
-        return text.Text();
+    /// Puts a text part into the file that was read last.
+    void Replace(const std::string& bytes) {
+        std::uint32_t packed = 0;
+        ASSERT_EQ(PackTextPart(path, header.TextPartOffset(), bytes, packed), S_OK);
+        ASSERT_EQ(CloseTextPart(path, header.lengthFieldOffset, packed, TextPartTrailer(bytes)),
+                  S_OK);
     }
 
     TemporaryFolder folder;
     std::u16string path = folder.Path(u"a.itd");
     ItdArchiveHeader header;
-    LoadedTextPart part;
-    ItdReporter reporter{CLSID_ZipManager, IID_IZipManager};
 };
 
 TEST_F(ArchiveTest, EnvelopeIsReadUpToItsTrailer) {
@@ -81,75 +73,38 @@ TEST_F(ArchiveTest, EnvelopeIsReadUpToItsTrailer) {
     EXPECT_EQ(ReadHeader("sDLXARCH" + whole.substr(8)), itderrBadMagic);
 }
 
-TEST_F(ArchiveTest, ManagerGivesBackWhatItWasGiven) {
-    ClassFactory* const factory = new ClassFactory(CreateStandalone<CZipManager>);
-    std::uint32_t cookie = 0;
-    ASSERT_EQ(ReadHeader(Envelope(2, 3, std::string(5000, 'z'))), S_OK);
-    EXPECT_EQ(Load(), itderrUnableToAccessZip) << "there is no manager yet";
-    EXPECT_EQ(Reported(), u"Unable to access the zip manager");
-    ASSERT_EQ(CoRegisterClassObject(CLSID_ZipManager, factory, CLSCTX_ALL, 1, &cookie), S_OK);
-    EXPECT_EQ(Load(), ErrorInvalidData);
-    EXPECT_EQ(Reported(), u"");
-
+TEST_F(ArchiveTest, TextPartsComeBack) {
     std::mt19937 random(1);
     std::string noise(100000, '\0');
     for (char& byte : noise) {
         byte = static_cast<char>(random());
     }
-    const std::string before = ReadFile(folder / "a.itd").substr(0, header.lengthFieldOffset);
+    const std::string file = Envelope(2, 3, std::string(5000, 'z'));
+    ASSERT_EQ(ReadHeader(file), S_OK);
     for (const std::string& bytes : {""s, "x"s, "odd"s, noise, std::string(3000000, 'x')}) {
-        ASSERT_EQ(ReplaceTextPart(path, header.lengthFieldOffset, bytes, reporter), S_OK);
-        ASSERT_EQ(Load(), S_OK);
-        EXPECT_TRUE(part.Bytes() == bytes) << bytes.size();
-        EXPECT_EQ(part.archive.trailerValue, TextPartTrailer(bytes));
-        const std::string file = ReadFile(folder / "a.itd");
-        EXPECT_EQ(file.size(), part.archive.TextPartOffset() + part.archive.compressedLength + 4);
-        EXPECT_EQ(file.substr(0, before.size()), before);
+        Replace(bytes);
+        EXPECT_TRUE(ReadItdTextPart(path, header) == bytes) << bytes.size();
+        EXPECT_EQ(header.trailerValue, TextPartTrailer(bytes));
+        const std::string written = ReadFile(folder / "a.itd");
+        EXPECT_EQ(written.size(), header.TextPartOffset() + header.compressedLength + 4);
+        EXPECT_EQ(written.substr(0, 30), file.substr(0, 30));
     }
     EXPECT_EQ(TextPartTrailer("123456789"), 0xCBF43926U) << "the check value of CRC-32";
 
     // Every bit of the stream counts, but for those that fill up a byte.
     const std::string text = "some text, some more text";
-    ASSERT_EQ(ReplaceTextPart(path, header.lengthFieldOffset, text, reporter), S_OK);
+    Replace(text);
     const std::string good = ReadFile(folder / "a.itd");
     for (std::size_t at = header.TextPartOffset(); at < good.size() - 4; ++at) {
         std::string bad = good;
         bad[at] = static_cast<char>(bad[at] ^ 1 << at % 8);
         WriteFile(folder / "a.itd", bad);
-        EXPECT_TRUE(Load() == ErrorInvalidData || part.Bytes() == text) << at;
+        try {
+            EXPECT_EQ(ReadItdTextPart(path, header), text) << at;
+        } catch (const Error& error) {
+            EXPECT_EQ(error.Status(), ErrorInvalidData) << at;
+        }
     }
-    CoRevokeClassObject(cookie);
-    factory->Release();
-}
-
-/// A host's own manager, which fails.
-class FailingManager : public CZipManager {
-  public:
-    HRESULT ReadTextPart(BSTR, std::uint32_t, std::uint32_t, std::uint32_t*,
-                         BSTR*) noexcept override {
-        return itderrBadMagic;
-    }
-    HRESULT ComputeTrailerValue(BSTR, std::uint32_t, std::uint32_t*) noexcept override {
-        return E_FAIL;
-    }
-    HRESULT WriteTextPart(BSTR, std::uint32_t, std::uint32_t, BSTR,
-                          std::uint32_t*) noexcept override {
-        return E_UNEXPECTED;
-    }
-};
-
-TEST_F(ArchiveTest, FailuresOfAHostsManagerPassUnchanged) {
-    ClassFactory* const factory = new ClassFactory(CreateStandalone<FailingManager>);
-    std::uint32_t cookie = 0;
-    ASSERT_EQ(CoRegisterClassObject(CLSID_ZipManager, factory, CLSCTX_ALL, 1, &cookie), S_OK);
-    const std::string file = Envelope(0, 0, "zip");
-    ASSERT_EQ(ReadHeader(file), S_OK);
-    EXPECT_EQ(Load(), itderrBadMagic);
-    EXPECT_EQ(ReplaceTextPart(path, header.lengthFieldOffset, "x", reporter), E_UNEXPECTED);
-    EXPECT_EQ(Reported(), u"");
-    EXPECT_EQ(ReadFile(folder / "a.itd"), file);
-    CoRevokeClassObject(cookie);
-    factory->Release();
 }
 
 TEST_F(ArchiveTest, SizesAreLimited) {
