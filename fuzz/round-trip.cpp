@@ -1,13 +1,19 @@
 // Out and home again: rows made of the input go through the export and, untouched, through the
-// import. Whatever the texts are, every row comes back, and none counts as changed.
+// import, as a table or as a bilingual document. Whatever the texts are, every row comes back, and
+// none counts as changed.
 //
-// A text's line ends come back as CR LF, so the rows are made without a CR or an LF of its own.
+// Line ends come back in one form, CR LF from a table and LF from a document, so the rows are made
+// with that form alone. In a document a backslash or brace behind a line end brings a blank with
+// it, so that one stands there before; and only with the match value 0 the marks around an empty
+// source are parted.
 
 #include <generalutilities/extview/export_options.h>
 #include <generalutilities/extview/segment_text.h>
 
 #include "extview/rtf/rtf_import.h"
+#include "extview/rtf/twb_import.h"
 #include "extview/rtf_table_export.h"
+#include "extview/twb_export.h"
 #include "memory_project.h"
 #include "rtf/memory_file.h"
 #include "text_input.h"
@@ -25,12 +31,12 @@ class Input {
     bool IsEmpty() const { return left == 0; }
     std::uint8_t Byte() { return left == 0 ? std::uint8_t{0} : (--left, *data++); }
 
-    /// A text of up to 31 bytes, as the road can carry it: its line ends are whole.
-    std::u16string Text() {
+    /// A text of up to 31 bytes with line ends of that form.
+    std::u16string Text(std::u16string_view lineEnd) {
         const std::size_t length = std::min<std::size_t>(Byte() % 32, left);
         std::u16string text;
         for (const char16_t unit : TextFrom(data, length)) {
-            text += unit == u'\r' || unit == u'\n' ? u"\r\n" : std::u16string_view(&unit, 1);
+            text += unit == u'\r' || unit == u'\n' ? lineEnd : std::u16string_view(&unit, 1);
         }
         data += length;
         left -= length;
@@ -71,14 +77,26 @@ class BytesFactory final : public TextFileFactory {
     std::string& bytes;
 };
 
-class Import final : public CRTFImport {
+std::string exportedFile;
+
+template <class Reader>
+class Import final : public Reader {
   public:
     bool OpenFile() override {
-        CRTFImport::OpenFile();
-        return Open(generalutilities::testing::FileOf(std::move(file)));
+        Reader::OpenFile();
+        return this->Open(generalutilities::testing::FileOf(std::move(exportedFile)));
     }
-    std::string file;
 };
+
+/// Both are kept, as a host's object keeps them from job to job.
+template <class Exporter, class Reader>
+void OutAndHome(MemoryProject& project, std::int32_t language, std::int32_t options) {
+    static Import<Reader> import;
+    static Exporter exporter([] { return std::make_unique<BytesFactory>(exportedFile); });
+    exportedFile.clear();
+    Require(exporter.RunExport(project, u"out.rtf", AllFiles, language, options, {}, {}) == S_OK);
+    Require(import.RunImport(project, u"out.rtf", language) == S_OK);
+}
 
 const std::u16string& TextAt(const MemoryProject::Row& row, std::size_t column) {
     return std::get<std::u16string>(row[column]);
@@ -95,11 +113,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
          {u"ID", u"Source", u"Target", u"Status", u"Comments", u"Done", u"FileID", u"Percentage"},
          MemoryProject::Row(8),
          {}});
+    const bool isDocument = (choices & 16) != 0;
+    const std::u16string_view lineEnd = isDocument ? u"\n " : u"\r\n";
     while (!input.IsEmpty() && pairs.rows.size() < 3) {
         const std::int32_t status = input.Byte() << 8 | input.Byte();
         const std::string number = std::to_string(pairs.rows.size());
-        pairs.rows.push_back({std::u16string(number.begin(), number.end()), input.Text(),
-                              input.Text(), status, input.Text(), false, 1, 0});
+        const std::u16string source = input.Text(lineEnd);
+        const std::int32_t percentage = StripCodeMarkers(source).empty() ? 0 : status % 102;
+        pairs.rows.push_back({std::u16string(number.begin(), number.end()), source,
+                              input.Text(lineEnd), status, input.Text(lineEnd), false, 1,
+                              percentage});
     }
 
     std::int32_t options = ShowIdColumn;
@@ -108,14 +131,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     options |= (choices & 4) != 0 ? HideReadOnlyColumns : 0;
     const std::int32_t language = (choices & 8) != 0 ? 1025 : 1036;
 
-    // Both are kept, as a host's object keeps them from job to job.
-    static Import import;
-    static CExternalViewRTFExport exported(
-        [] { return std::make_unique<BytesFactory>(import.file); });
-    import.file.clear();
-    exported.sourceFont = exported.targetFont = u"Tahoma";
-    Require(exported.RunExport(project, u"out.rtf", AllFiles, language, options, {}, {}) == S_OK);
-    Require(import.RunImport(project, u"out.rtf", language) == S_OK);
+    const auto outAndHome = isDocument ? OutAndHome<CExternalViewTWBExport, CTWBImport>
+                                       : OutAndHome<CExternalViewRTFExport, CRTFImport>;
+    outAndHome(project, language, options);
 
     const MemoryProject::Table* const back = project.Find(u"Reimporting");
     Require(back != nullptr && back->rows.size() == pairs.rows.size());
