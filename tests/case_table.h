@@ -53,8 +53,9 @@ inline std::string Bytes(const std::u16string& cell) {
     return bytes;
 }
 
+/// A decimal number, or a hexadecimal one behind 0x.
 inline std::int32_t Number(const std::u16string& cell) {
-    return static_cast<std::int32_t>(std::stoll(Bytes(cell)));
+    return static_cast<std::int32_t>(std::stoll(Bytes(cell), nullptr, 0));
 }
 
 }  // namespace generalutilities

@@ -5,6 +5,7 @@
 #include <generalutilities/extview/export_options.h>
 #include <generalutilities/extview/segment_text.h>
 
+#include "case_table.h"
 #include "test_project.h"
 
 #include <algorithm>
@@ -86,29 +87,26 @@ std::vector<std::u16string> MarkedByTheModel(const std::vector<PairRow>& rows) {
 }
 
 TEST(MarkDuplicates, EqualPairs) {
-    using Ids = std::vector<std::u16string>;
-    const std::pair<std::vector<PairRow>, Ids> cases[] = {
-        // Equal but for numbers, codes in braces, shown code texts of the target, outer blanks.
-        {{{u"1", u"Page 1", u"Page 1"},
-          {u"2", u"Page 22", u"Page 3"},
-          {u"3", u"Page {1}4", u" Page\6{7}\7x\b "},
-          {u"4", u"Page 1", u"Seite 1"},
-          {u"5", u"page 1", u"Page 1"}},
-         {u"2", u"3"}},
-        // A missing target is an empty one; numbers alone have the empty key; keys need quoting.
-        {{{u"1", u"don't", u""}, {u"2", u"don't"}, {u"3", u"1"}, {u"4", u"2"}, {u"5", u"..."}},
-         {u"2", u"4"}},
-        {{{u"1", u"a"}, {u"2", u"\6a"}}, {}},  // the source is compared with its code marks
-        {{{.id = u"1", .source = u"a", .sourceKey = u"x"},  // the host's key decides
-          {.id = u"2", .source = u"a", .sourceKey = u"x"}},
-         {}},
-        // The first in the order of the table stays.
-        {{{u"2", u"a"}, {u"10", u"a"}, {u"1", u"a"}}, {u"10", u"1"}},
-    };
-    for (const auto& [rows, marked] : cases) {
-        TestProject project;
-        project.Add(rows);
-        EXPECT_EQ(Mark(project), marked);
+    TestProject project;
+    std::vector<PairRow> rows;
+    std::vector<std::u16string> marked;
+    for (const auto& row : CaseTable("equal_pairs.tsv")) {
+        if (row.size() == 1) {  // the end of a project
+            project.RemoveRows();
+            project.Add(std::exchange(rows, {}));
+            EXPECT_EQ(Mark(project), std::exchange(marked, {})) << Bytes(row[0]);
+            continue;
+        }
+        rows.push_back({.id = row[0], .source = row[1]});
+        if (row[2] != u"(null)") {
+            rows.back().target = row[2];
+        }
+        if (!row[4].empty()) {
+            rows.back().sourceKey = row[4];
+        }
+        if (row[3] == u"done") {
+            marked.push_back(row[0]);
+        }
     }
 }
 

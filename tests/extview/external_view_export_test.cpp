@@ -24,28 +24,24 @@ using testing_support::PercentList;
 using testing_support::TestProject;
 using testing_support::Written;
 
-struct Row {
-    std::u16string id, source, target, comments, fileName;
-    std::int32_t status = 0;
-    std::int32_t percentage = 0;
-
-    friend bool operator==(const Row&, const Row&) = default;
-};
-
 class RecordingExport final : public CExternalViewExport {
   public:
     std::vector<std::string> calls;
     std::vector<std::int32_t> colors;
-    std::vector<Row> rows;
+    std::vector<std::u16string> rows;  ///< the values of each, with bars between them
     bool opens = true;
     std::function<void()> afterRow = [] {};
 
-    std::vector<std::u16string> Ids() const {
-        std::vector<std::u16string> ids;
-        for (const auto& row : rows) {
-            ids.push_back(row.id);
+    /// What stands in one place of each row.
+    std::vector<std::u16string> All(int place) const {
+        std::vector<std::u16string> all;
+        for (std::u16string row : rows) {
+            for (int i = 0; i < place; ++i) {
+                row.erase(0, row.find(u'|') + 1);
+            }
+            all.push_back(row.substr(0, row.find(u'|')));
         }
-        return ids;
+        return all;
     }
     HRESULT Run(TestProject& project, std::int32_t options, std::int32_t fileId = 0,
                 std::int32_t language = 1036, std::u16string_view lexiconOrderBy = {}) {
@@ -71,8 +67,11 @@ class RecordingExport final : public CExternalViewExport {
     void WriteRow(std::u16string_view id, std::u16string_view source, std::u16string_view target,
                   std::u16string_view comments, std::int32_t status, std::u16string_view fileName,
                   std::int32_t percentage) override {
-        rows.push_back({std::u16string(id), std::u16string(source), std::u16string(target),
-                        std::u16string(comments), std::u16string(fileName), status, percentage});
+        std::u16string row;
+        for (const std::u16string_view value : {id, source, target, comments, fileName}) {
+            row.append(value).append(u"|");
+        }
+        rows.push_back(row + Decimal(status) + u"|" + Decimal(percentage));
         afterRow();
     }
 };
@@ -123,67 +122,59 @@ TEST(ExportRows, HandsOverTheRowsOfTheSelectionInOrder) {
                  {u"2", u"b", {}, 0, u"c", 0},
                  {.id = u"4", .source = u"d", .selected = false},
                  {u"5", u"e", u"y", StatusPending | 0x40000000, {}, -1}});
-    const struct {
-        std::int32_t options;
-        std::int32_t fileId;
-        std::vector<std::u16string> ids;
-        std::u16string order = {};
-    } cases[] = {
-        {0, 0, {u"1", u"2", u"3"}},
-        {SortBySource, 0, {u"3", u"2", u"1"}},
-        {0, 2, {u"3"}},
-        {0, -3, {u"1", u"3", u"5"}},
-        {0, -1, {u"5"}, u"Source DESC"},
-        {OnlyUntranslated, 0, {u"1", u"2"}},
-        {OnlyWithComments, 0, {u"2"}},
-        {OnlyPending, -3, {u"5"}},
-        {SkipLocked | SkipExact, 0, {u"2"}},
-    };
     RecordingExport exporter;
-    for (const auto& [options, fileId, ids, order] : cases) {
+    const auto ids = [&](std::int32_t options, std::int32_t fileId,
+                         std::u16string_view order = {}) {
         EXPECT_EQ(exporter.Run(project, options, fileId, 1036, order), S_OK);
-        EXPECT_EQ(exporter.Ids(), ids) << options << ' ' << fileId;
-    }
+        return exporter.All(0);
+    };
+    EXPECT_THAT(ids(0, 0), ElementsAre(u"1", u"2", u"3"));
+    EXPECT_THAT(ids(SortBySource, 0), ElementsAre(u"3", u"2", u"1"));
+    EXPECT_THAT(ids(0, 2), ElementsAre(u"3"));
+    EXPECT_THAT(ids(0, -3), ElementsAre(u"1", u"3", u"5"));
+    EXPECT_THAT(ids(0, -1, u"Source DESC"), ElementsAre(u"5"));
+    EXPECT_THAT(ids(OnlyUntranslated, 0), ElementsAre(u"1", u"2"));
+    EXPECT_THAT(ids(OnlyWithComments, 0), ElementsAre(u"2"));
+    EXPECT_THAT(ids(OnlyPending, -3), ElementsAre(u"5"));
+    EXPECT_THAT(ids(SkipLocked | SkipExact, 0), ElementsAre(u"2"));
     EXPECT_EQ(exporter.Run(project, 0, -1, 1036, u"no such thing("), everrInvalidQuery);
 }
 
 TEST(ExportRows, CleansTheTexts) {
     const std::u16string coded = u"a\6{1}\7hidden\bb";
-    struct {
+    const struct {
         std::int32_t options;
         std::optional<std::u16string> target;
-        std::u16string expectedSource, expectedTarget;
-    } const cases[] = {
-        {0, coded, u"a{1}b", u"a{1}b"},
-        {RemoveCodes, coded, u"ab", u"ab"},
-        {0, std::nullopt, u"a{1}b", u""},
-        {CopySourceToEmptyTarget, std::nullopt, u"a{1}b", u"a{1}b"},
-        {CopySourceToEmptyTarget | RemoveCodes, u"", u"ab", u"ab"},
-        {CopySourceToEmptyTarget | RemoveCodes, u"{1}", u"ab", u""},  // not empty before
+        std::u16string texts;
+    } cases[] = {
+        {0, coded, u"a{1}b|a{1}b"},
+        {RemoveCodes, coded, u"ab|ab"},
+        {0, std::nullopt, u"a{1}b|"},
+        {CopySourceToEmptyTarget, std::nullopt, u"a{1}b|a{1}b"},
+        {CopySourceToEmptyTarget | RemoveCodes, u"", u"ab|ab"},
+        {CopySourceToEmptyTarget | RemoveCodes, u"{1}", u"ab|"},  // not empty before
     };
-    for (const auto& [options, target, expectedSource, expectedTarget] : cases) {
+    for (const auto& [options, target, texts] : cases) {
         TestProject project;
         project.Add({{u"{i}", coded, target, 77, u"{c}\6", 1, true, {}, 42}});
         RecordingExport exporter;
         EXPECT_EQ(exporter.Run(project, options), S_OK);
-        ASSERT_EQ(exporter.rows.size(), 1U);
-        EXPECT_EQ(exporter.rows[0],
-                  (Row{u"{i}", expectedSource, expectedTarget, u"{c}\6", u"", 77, 42}))
-            << options;
+        EXPECT_THAT(exporter.rows, ElementsAre(u"{i}|" + texts + u"|{c}\6||77|42"));
     }
 }
 
 TEST(ExportRows, NamesTheFiles) {
     TestProject project;
-    project.Execute(u"INSERT INTO Files (ID, FileName, FileSpec) VALUES (1, 'one', 'c:\\one')");
     project.Execute(u"INSERT INTO Files (ID, FileName, FileSpec) VALUES (2, 'two', NULL)");
     project.Add({{.id = u"1", .source = u"a", .fileId = 2},
                  {.id = u"2", .source = u"b", .fileId = 1},
                  {.id = u"3", .source = u"c", .fileId = 3},
                  {.id = u"4", .source = u"d", .fileId = 1}});
-    RecordingExport exporter;  // a new export asks anew
+    RecordingExport exporter;
     const auto names = [&](std::int32_t options) {
-        // A name is asked for once: a change behind the first row's back shows that.
+        project.Execute(u"DELETE FROM Files WHERE ID = 1");  // a new export asks anew
+        project.Execute(u"INSERT INTO Files (ID, FileName, FileSpec) VALUES (1, 'one', 'c:\\one')");
+        // A name is asked for once: a change behind the second row's back shows that.
         exporter.afterRow = [&] {
             if (exporter.rows.size() == 2) {
                 project.Execute(
@@ -191,12 +182,7 @@ TEST(ExportRows, NamesTheFiles) {
             }
         };
         EXPECT_EQ(exporter.Run(project, options), S_OK);
-        project.Execute(u"UPDATE Files SET FileName = 'one', FileSpec = 'c:\\one' WHERE ID = 1");
-        std::vector<std::u16string> found;
-        for (const auto& row : exporter.rows) {
-            found.push_back(row.fileName);
-        }
-        return found;
+        return exporter.All(4);
     };
     EXPECT_THAT(names(ShowFileColumn), ElementsAre(u"two", u"one", u"", u"one"));
     EXPECT_THAT(names(ShowFileColumn | UseFileSpec), ElementsAre(u"", u"c:\\one", u"", u"c:\\one"));
@@ -213,90 +199,73 @@ TEST(ExportRows, ReadsDoneAtEachRow) {
         project.Execute(u"UPDATE Pairs SET Done = -1 WHERE ID = '10001' OR ID = '10003'");
     };
     EXPECT_EQ(exporter.Run(project, 0), S_OK);
-    EXPECT_THAT(exporter.Ids(), ElementsAre(u"10000", u"10002"));
+    EXPECT_THAT(exporter.All(0), ElementsAre(u"10000", u"10002"));
     EXPECT_THAT(percents.percents, ElementsAre(25, 50, 75, 100));
 }
 
 TEST(Progress, OfSmallAndLargeExports) {
-    struct {
-        int rows;
-        std::int32_t options;
-        std::vector<std::int32_t> percents;
-    } const cases[] = {
-        {1, 0, {100}},
-        {3, 0, {33, 66, 100}},
-        {1, UniquePairsOnly, {60, 100}},
-        {3, UniquePairsOnly, {20, 40, 60, 73, 86, 100}},
-    };
-    for (const auto& [count, options, expected] : cases) {
+    const auto percents = [](int rows, std::int32_t options) {
         TestProject project;
-        project.Add(Numbered(count));
-        PercentList percents;
+        project.Add(Numbered(rows));
+        PercentList list;
         RecordingExport exporter;
-        exporter.progress = &percents;
+        exporter.progress = &list;
         EXPECT_EQ(exporter.Run(project, options), S_OK);
-        EXPECT_EQ(percents.percents, expected) << count << ' ' << options;
-        EXPECT_EQ(percents.targetLangId, 1036);
-    }
-    TestProject project;
-    project.Add(Numbered(250));
-    PercentList percents;
-    RecordingExport exporter;
-    exporter.progress = &percents;
-    EXPECT_EQ(exporter.Run(project, UniquePairsOnly), S_OK);
+        EXPECT_EQ(list.targetLangId, 1036);
+        return list.percents;
+    };
+    EXPECT_THAT(percents(1, 0), ElementsAre(100));
+    EXPECT_THAT(percents(3, 0), ElementsAre(33, 66, 100));
+    EXPECT_THAT(percents(1, UniquePairsOnly), ElementsAre(60, 100));
+    EXPECT_THAT(percents(3, UniquePairsOnly), ElementsAre(20, 40, 60, 73, 86, 100));
     std::vector<std::int32_t> each;  // 0 to 60 in the first pass; the second starts at 60 again
     for (std::int32_t percent = 0; percent <= 100; ++percent) {
         each.insert(each.end(), percent == 60 ? 2 : 1, percent);
     }
-    EXPECT_EQ(percents.percents, each);
+    EXPECT_EQ(percents(250, UniquePairsOnly), each);
 }
 
 // The RTF format's side of opening and closing.
 
-TEST(OpenOutput, FactoryThatIsMissingOrRefuses) {
+class OpenOutput : public testing::Test {
+  protected:
+    HRESULT Run(CExternalViewRTFExport& exporter, std::int32_t language, std::u16string_view path) {
+        return exporter.RunExport(project.database(), path, 0, language, 0, u"", {});
+    }
     TestProject project;
-    const auto run = [&](CExternalViewRTFExport exporter) {
-        return exporter.RunExport(project.database(), u"/no/such/folder/out", 0, 1036, 0, u"", {});
-    };
-    EXPECT_EQ(run(CExternalViewRTFExport([] { return nullptr; })), everrUnableToOpenFile);
-    EXPECT_EQ(run(CExternalViewRTFExport()), everrUnableToOpenFile);
+};
+
+TEST_F(OpenOutput, FactoryThatIsMissingOrRefuses) {
+    CExternalViewRTFExport without([] { return nullptr; }), refused;
+    EXPECT_EQ(Run(without, 1036, u"out"), everrUnableToOpenFile);
+    EXPECT_EQ(Run(refused, 1036, u"/no/such/folder/out"), everrUnableToOpenFile);
 }
 
-TEST(OpenOutput, HeadOfAFailedExportIsReleasedLater) {
-    TestProject project(1036);
+TEST_F(OpenOutput, HeadOfAFailedExportIsReleasedLater) {
     Written first, second;
     Written* written = &first;
     CExternalViewRTFExport exporter([&] { return std::make_unique<MemoryFactory>(*written); });
-    const auto run = [&](std::int32_t language) {
-        return exporter.RunExport(project.database(), u"out", 0, language, 0, u"", {});
-    };
-    EXPECT_EQ(run(1031), everrInvalidQuery);
+    EXPECT_EQ(Run(exporter, 1031, u"out"), everrInvalidQuery);
     EXPECT_EQ(first.pieces.size(), 1U);
-    EXPECT_FALSE(first.closed);
-    EXPECT_FALSE(first.released);
+    EXPECT_FALSE(first.closed || first.released);
     written = &second;
-    EXPECT_EQ(run(1036), S_OK);
+    EXPECT_EQ(Run(exporter, 1036, u"out"), S_OK);
     EXPECT_TRUE(first.released);
-    // The colour table starts anew with each file.
-    EXPECT_EQ(second.pieces.at(0).find(u"\\blue255;}"), first.pieces.at(0).find(u"\\blue255;}"));
 }
 
 // What the abandoned file still holds in its buffer must not end up in the next one.
-TEST(OpenOutput, SamePathAfterAFailedExport) {
-    TestProject project(1036);
+TEST_F(OpenOutput, SamePathAfterAFailedExport) {
     project.Add({{.id = u"1", .source = u"s"}});
     const TemporaryFolder folder;
-    const auto run = [&](CExternalViewRTFExport& exporter, std::int32_t language) {
-        return exporter.RunExport(project.database(), folder.Path(u"out"), 0, language, 0, u"", {});
-    };
+    const std::u16string path = folder.Path(u"out");
     CExternalViewRTFExport fresh, exporter;
-    EXPECT_EQ(run(fresh, 1036), S_OK);
-    const std::string expected = ReadFile(folder / "out");
+    EXPECT_EQ(Run(fresh, 1036, path), S_OK);
+    const std::string expected = ReadFile(path);
     exporter.sourceFont.assign(expected.size(), u'x');  // a head longer than the whole file
-    EXPECT_EQ(run(exporter, 1031), everrInvalidQuery);
+    EXPECT_EQ(Run(exporter, 1031, path), everrInvalidQuery);
     exporter.sourceFont = fresh.sourceFont;
-    EXPECT_EQ(run(exporter, 1036), S_OK);
-    EXPECT_EQ(ReadFile(folder / "out"), expected);
+    EXPECT_EQ(Run(exporter, 1036, path), S_OK);
+    EXPECT_EQ(ReadFile(path), expected);  // with a colour table that starts anew
 }
 
 }  // namespace

@@ -1,4 +1,5 @@
 #include <generalutilities/extview/segment_text.h>
+#include <generalutilities/extview/source_key.h>
 
 #include "case_table.h"
 
@@ -45,16 +46,17 @@ std::u16string EraseBraces(std::u16string text) {
     return text;
 }
 
-TEST(StripCodeMarkers, LeavesTheShownText) {
-    for (const auto& row : CaseTable("code_markers.tsv")) {
-        EXPECT_EQ(StripCodeMarkers(row[0]), row[1]);
-    }
-}
-
-TEST(StripBraces, RemovesGroups) {
-    for (const auto& row : CaseTable("braces.tsv")) {
-        EXPECT_EQ(StripBraces(row[0]), row[1]);
-    }
+TEST(SegmentText, Tables) {
+    const auto check = [](const char* table, auto function) {
+        for (const auto& row : CaseTable(table)) {
+            const std::int32_t langId = row.size() > 2 ? Number(row[2]) : 1033;
+            EXPECT_EQ(function(row[0], langId), row[1]) << table;
+        }
+    };
+    check("code_markers.tsv", [](const auto& text, auto) { return StripCodeMarkers(text); });
+    check("braces.tsv", [](const auto& text, auto) { return StripBraces(text); });
+    check("source_keys.tsv", MakeSourceKey);
+    check("compare_forms.tsv", CompareForm);
 }
 
 TEST(SegmentText, AgreesWithTheObviousVersions) {
@@ -81,14 +83,14 @@ TEST(SegmentText, StaysLinearOnHostileTexts) {
         }
         return text;
     };
-    EXPECT_EQ(StripCodeMarkers(repeated(u"\6")), u"");
-    EXPECT_EQ(StripCodeMarkers(repeated(u"\6\7")), u"");
+    for (const std::u16string piece : {u"\6", u"\6\7", u"{"}) {
+        EXPECT_EQ(StripBraces(StripCodeMarkers(repeated(piece))), u"");
+    }
     EXPECT_EQ(StripCodeMarkers(repeated(u"\6a\7b\b")).size(), 2 * Million / 5);
     EXPECT_EQ(StripCodeMarkers(repeated(u"\6") + repeated(u"\b")), u"");
-    EXPECT_EQ(StripBraces(repeated(u"{")), u"");
-    EXPECT_EQ(StripBraces(repeated(u"\\")).size(), 2 * Million);
-    EXPECT_EQ(StripBraces(repeated(u"\\") + u"\\{").size(), 2 * Million + 2);
-    EXPECT_EQ(StripBraces(repeated(u"\\{")).size(), 2 * Million);
+    for (const std::u16string piece : {u"\\", u"\\{"}) {
+        EXPECT_EQ(StripBraces(repeated(piece) + u"\\{").size(), 2 * Million + 2);
+    }
 }
 
 }  // namespace
