@@ -15,8 +15,8 @@
 #include "collection_lives.h"
 #include "described_call.h"
 #include "drawing_life.h"
-#include "frame/bstr_text.h"
 #include "frame/interface_descriptions.h"
+#include "frame/values.h"
 #include "itd/sample_file.h"
 #include "platform/files/utf8.h"
 #include "project.h"
@@ -105,8 +105,7 @@ void FailEachMethod(const InterfaceDescription& interface, Interface* object, co
 
 /// The ways to an object and what every object can.
 void FailObject(const CLSID& clsid, REFIID iid, char16_t* method) {
-    ComPtr<IDispatch> object;
-    ASSERT_EQ(CoCreateInstance(clsid, nullptr, 1, iid, object.OutVoid()), S_OK);
+    const auto object = Create<IDispatch>(clsid, iid);
     FailEachInBalance("CoCreateInstance", [&] {
         ComPtr<IUnknown> another;
         return CoCreateInstance(clsid, nullptr, CLSCTX_INPROC_SERVER, iid, another.OutVoid());
@@ -123,9 +122,7 @@ void FailObject(const CLSID& clsid, REFIID iid, char16_t* method) {
                       [&] { return object->GetIDsOfNames(GUID_NULL, &method, 1, 0, &id); });
     const Bstr text(u"/nowhere/at/all");
     FailEachInBalance("Invoke", [&] {
-        VARIANT argument{}, result{};
-        argument.vt = VT_BSTR;
-        argument.bstrVal = text.Get();
+        VARIANT argument = Borrowed(text), result{};
         DISPPARAMS parameters{&argument, nullptr, 1, 0};
         EXCEPINFO exception{};
         const HRESULT status = object->Invoke(id, GUID_NULL, 0, DISPATCH_METHOD, &parameters,
@@ -142,32 +139,24 @@ void FailObject(const CLSID& clsid, REFIID iid, char16_t* method) {
 TEST(Allocations, StringUtils) {
     char16_t method[] = u"DeAccentString";
     FailObject(CLSID_StringUtils, IID_IStringUtils, method);
-    ComPtr<IStringUtils> utils;
-    ASSERT_EQ(CoCreateInstance(CLSID_StringUtils, nullptr, CLSCTX_INPROC_SERVER, IID_IStringUtils,
-                               utils.OutVoid()),
-              S_OK);
+    const auto utils = Create<IStringUtils>(CLSID_StringUtils, IID_IStringUtils);
     FailEachMethod(DescribeStringUtils(), utils.Get(),
                    Bstr(u"\u00C9l\u00E8ve {12} stra\u00DFe\uFDFA \u4E2D\u6587, 3.5 %"));
 }
 
 TEST(Allocations, SerializeCodes) {
-    ComPtr<IStringUtils> utils;
-    ComPtr<IDictionary> dictionary;
-    ASSERT_EQ(CoCreateInstance(CLSID_StringUtils, nullptr, CLSCTX_INPROC_SERVER, IID_IStringUtils,
-                               utils.OutVoid()),
-              S_OK);
-    ASSERT_EQ(CoCreateInstance(CLSID_Dictionary, nullptr, CLSCTX_INPROC_SERVER, IID_IDictionary,
-                               dictionary.OutVoid()),
-              S_OK);
+    const auto utils = Create<IStringUtils>(CLSID_StringUtils, IID_IStringUtils);
+    const auto dictionary = Create<IDictionary>(CLSID_Dictionary, IID_IDictionary);
     const Bstr target(u"<a><b>x<c>"), sourceText(u"<a><b>x<c>y<c><a>");
-    VARIANT keys[2] = {}, item{};
-    item.vt = VT_BSTR;
-    item.bstrVal = target.Get();
-    keys[0].vt = keys[1].vt = VT_I4;
-    keys[1].lVal = 1;
+    VARIANT keys[] = {Long(0), Long(1)}, item = Borrowed(target);
     Bstr source;
     std::int32_t last = 0;
     SAFEARRAY* arrays[2] = {};
+    const auto destroyArrays = [&arrays] {
+        for (SAFEARRAY*& array : arrays) {
+            SafeArrayDestroy(std::exchange(array, nullptr));
+        }
+    };
     FailEach("SerializeCodes",
              [&] {
                  return utils->SerializeCodes(source.InOut(), dictionary.Get(), &last, &arrays[0],
@@ -175,9 +164,7 @@ TEST(Allocations, SerializeCodes) {
              },
              E_FAIL,  // what the dictionary says of its own memory is lost
              {[&] {
-                  for (SAFEARRAY*& array : arrays) {
-                      SafeArrayDestroy(std::exchange(array, nullptr));
-                  }
+                  destroyArrays();
                   source = sourceText;
                   last = 0;
                   dictionary->RemoveAll();
@@ -191,21 +178,14 @@ TEST(Allocations, SerializeCodes) {
                   const bool written = source.View() != sourceText.View();
                   EXPECT_EQ(written, arrays[0] != nullptr && arrays[1] != nullptr);
                   EXPECT_EQ(last != 0, status == S_OK);
-                  EXPECT_TRUE(written || View(first.Get().bstrVal) == target.View());
-                  for (SAFEARRAY*& array : arrays) {
-                      SafeArrayDestroy(std::exchange(array, nullptr));
-                  }
+                  EXPECT_TRUE(written || first.Get().bstrVal == target.Text());
+                  destroyArrays();
               }});
-    for (SAFEARRAY* const array : arrays) {
-        SafeArrayDestroy(array);
-    }
+    destroyArrays();
 }
 
 TEST(Allocations, CodePageHelper) {
-    ComPtr<ICodePageHelper> helper;
-    ASSERT_EQ(CoCreateInstance(CLSID_CodePageHelper, nullptr, CLSCTX_INPROC_SERVER,
-                               IID_ICodePageHelper, helper.OutVoid()),
-              S_OK);
+    const auto helper = Create<ICodePageHelper>(CLSID_CodePageHelper, IID_ICodePageHelper);
     const Bstr text(u"<b><df font=\"A\" a=\"1\">x\u0434</df>"), font(u"font=\"B\"");
     FailEachInBalance("AddFonts", [&] {
         helper->ResetCodePages();
@@ -239,12 +219,8 @@ TEST(Allocations, ItdClasses) {
     WriteItdFile(reference.Text(), SampleTextPart());
     const std::string before = ReadFile(reference.Text());
     WriteFile(copy.Text(), before);
-    ComPtr<IITDReader> reader;
-    ComPtr<IITDWriter> writer;
-    ASSERT_EQ(CoCreateInstance(CLSID_ITDReader, nullptr, 1, IID_IITDReader, reader.OutVoid()),
-              S_OK);
-    ASSERT_EQ(CoCreateInstance(CLSID_ITDWriter, nullptr, 1, IID_IITDWriter, writer.OutVoid()),
-              S_OK);
+    const auto reader = Create<IITDReader>(CLSID_ITDReader, IID_IITDReader);
+    const auto writer = Create<IITDWriter>(CLSID_ITDWriter, IID_IITDWriter);
     FailEach(
         "OpenITDFile", [&] { return reader->OpenITDFile(reference.Get()); },
         itderrUnableToAccessZip);
@@ -268,12 +244,7 @@ TEST(Allocations, ItdClasses) {
 
 class HelperUnderFire : public ::testing::Test {
   protected:
-    HelperUnderFire() : project(LongRounds() ? 40 : 4, 20), path(project.Path()) {
-        EXPECT_EQ(CoCreateInstance(CLSID_ExtViewHelper, nullptr, CLSCTX_INPROC_SERVER,
-                                   IID_IExtViewHelper, helper.OutVoid()),
-                  S_OK);
-        Open();
-    }
+    HelperUnderFire() : project(LongRounds() ? 40 : 4, 20), path(project.Path()) { Open(); }
     void Open() {
         opened = {};
         project.Restore();
@@ -282,7 +253,8 @@ class HelperUnderFire : public ::testing::Test {
 
     Project project;
     const std::u16string path;
-    ComPtr<IExtViewHelper> helper;
+    const ComPtr<IExtViewHelper> helper =
+        Create<IExtViewHelper>(CLSID_ExtViewHelper, IID_IExtViewHelper);
     ComPtr<IUnknown> opened;
 };
 

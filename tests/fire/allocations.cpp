@@ -106,34 +106,17 @@ void __wrap_free(void* block) {
 
 }  // extern "C"
 
+// The forms for arrays call these.
 void* operator new(std::size_t size) {
     void* const block = __wrap_malloc(size);
     return block != nullptr ? block : throw std::bad_alloc();
 }
-void* operator new[](std::size_t size) {
-    return ::operator new(size);
-}
 void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-    return __wrap_malloc(size);
-}
-void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
     return __wrap_malloc(size);
 }
 void operator delete(void* block) noexcept {
     __wrap_free(block);
 }
-void operator delete[](void* block) noexcept {
-    __wrap_free(block);
-}
 void operator delete(void* block, std::size_t) noexcept {
-    __wrap_free(block);
-}
-void operator delete[](void* block, std::size_t) noexcept {
-    __wrap_free(block);
-}
-void operator delete(void* block, const std::nothrow_t&) noexcept {
-    __wrap_free(block);
-}
-void operator delete[](void* block, const std::nothrow_t&) noexcept {
     __wrap_free(block);
 }

@@ -1,7 +1,6 @@
 #include "faulty_vfs.h"
 
 #include <cstdlib>
-#include <new>
 #include <sqlite3.h>
 #include <unistd.h>
 
@@ -35,116 +34,60 @@ int Status(int error) {
 
 sqlite3_vfs* real = nullptr;
 
-struct File {
-    sqlite3_file base;
-    sqlite3_file* inner;  ///< lies behind this
+/// Lies behind SQLite's own part of an open file: its methods, and those of them that count.
+struct Wrapped {
+    const sqlite3_io_methods* inner;
+    sqlite3_io_methods methods;
 };
 
-sqlite3_file* Inner(sqlite3_file* file) {
-    return reinterpret_cast<File*>(file)->inner;
+Wrapped& WrappedOf(sqlite3_file* file) {
+    return *reinterpret_cast<Wrapped*>(reinterpret_cast<char*>(file) + real->szOsFile);
 }
 
-int Close(sqlite3_file* file) {
-    return Inner(file)->pMethods->xClose(Inner(file));
-}
 int Read(sqlite3_file* file, void* buffer, int count, sqlite3_int64 offset) {
     return Meets(ReadCall) ? SQLITE_IOERR_READ
-                           : Inner(file)->pMethods->xRead(Inner(file), buffer, count, offset);
+                           : WrappedOf(file).inner->xRead(file, buffer, count, offset);
 }
 int Write(sqlite3_file* file, const void* buffer, int count, sqlite3_int64 offset) {
-    if (Meets(WriteCall)) {
-        if (current.fault == Fault::DieHalfDone) {
-            Inner(file)->pMethods->xWrite(Inner(file), buffer, count / 2, offset);
-            _exit(DiedByPlan);
-        }
-        return Status(SQLITE_IOERR_WRITE);
+    const auto write = WrappedOf(file).inner->xWrite;
+    if (!Meets(WriteCall)) {
+        return write(file, buffer, count, offset);
     }
-    return Inner(file)->pMethods->xWrite(Inner(file), buffer, count, offset);
+    if (current.fault == Fault::DieHalfDone) {
+        write(file, buffer, count / 2, offset);
+        _exit(DiedByPlan);
+    }
+    return Status(SQLITE_IOERR_WRITE);
 }
 int Truncate(sqlite3_file* file, sqlite3_int64 size) {
     return Meets(TruncateCall) ? SQLITE_IOERR_TRUNCATE
-                               : Inner(file)->pMethods->xTruncate(Inner(file), size);
+                               : WrappedOf(file).inner->xTruncate(file, size);
 }
 /// Nothing here can cut the power, so that waiting for the disk would prove nothing: the call is
 /// counted and left out.
 int Sync(sqlite3_file*, int) {
     return Meets(SyncCall) ? Status(SQLITE_IOERR_FSYNC) : SQLITE_OK;
 }
-int FileSize(sqlite3_file* file, sqlite3_int64* size) {
-    return Inner(file)->pMethods->xFileSize(Inner(file), size);
-}
-int Lock(sqlite3_file* file, int level) {
-    return Inner(file)->pMethods->xLock(Inner(file), level);
-}
-int Unlock(sqlite3_file* file, int level) {
-    return Inner(file)->pMethods->xUnlock(Inner(file), level);
-}
-int CheckReservedLock(sqlite3_file* file, int* result) {
-    return Inner(file)->pMethods->xCheckReservedLock(Inner(file), result);
-}
-int FileControl(sqlite3_file* file, int operation, void* argument) {
-    return Inner(file)->pMethods->xFileControl(Inner(file), operation, argument);
-}
-int SectorSize(sqlite3_file* file) {
-    return Inner(file)->pMethods->xSectorSize(Inner(file));
-}
-int DeviceCharacteristics(sqlite3_file* file) {
-    return Inner(file)->pMethods->xDeviceCharacteristics(Inner(file));
-}
-
-const sqlite3_io_methods Methods = {1,
-                                    Close,
-                                    Read,
-                                    Write,
-                                    Truncate,
-                                    Sync,
-                                    FileSize,
-                                    Lock,
-                                    Unlock,
-                                    CheckReservedLock,
-                                    FileControl,
-                                    SectorSize,
-                                    DeviceCharacteristics,
-                                    nullptr,
-                                    nullptr,
-                                    nullptr,
-                                    nullptr,
-                                    nullptr,
-                                    nullptr};
 
 int Open(sqlite3_vfs*, const char* name, sqlite3_file* file, int flags, int* opened) {
     file->pMethods = nullptr;
     if (Meets(OpenCall)) {
         return SQLITE_CANTOPEN;
     }
-    auto* const wrapped = reinterpret_cast<File*>(file);
-    wrapped->inner = reinterpret_cast<sqlite3_file*>(wrapped + 1);
-    const int status = real->xOpen(real, name, wrapped->inner, flags, opened);
-    if (wrapped->inner->pMethods != nullptr) {
-        file->pMethods = &Methods;
+    const int status = real->xOpen(real, name, file, flags, opened);
+    if (file->pMethods != nullptr) {
+        Wrapped& wrapped = WrappedOf(file);
+        wrapped = {file->pMethods, *file->pMethods};
+        wrapped.methods.xRead = Read;
+        wrapped.methods.xWrite = Write;
+        wrapped.methods.xTruncate = Truncate;
+        wrapped.methods.xSync = Sync;
+        file->pMethods = &wrapped.methods;
     }
     return status;
 }
 int Delete(sqlite3_vfs*, const char* name, int /*sync*/) {
     return Meets(DeleteCall) ? SQLITE_IOERR_DELETE : real->xDelete(real, name, 0);
-}
-int Access(sqlite3_vfs*, const char* name, int flags, int* result) {
-    return real->xAccess(real, name, flags, result);
-}
-int FullPathname(sqlite3_vfs*, const char* name, int size, char* out) {
-    return real->xFullPathname(real, name, size, out);
-}
-int Randomness(sqlite3_vfs*, int count, char* out) {
-    return real->xRandomness(real, count, out);
-}
-int Sleep(sqlite3_vfs*, int microseconds) {
-    return real->xSleep(real, microseconds);
-}
-int CurrentTime(sqlite3_vfs*, double* time) {
-    return real->xCurrentTime(real, time);
-}
-int GetLastError(sqlite3_vfs*, int size, char* text) {
-    return real->xGetLastError(real, size, text);
 }
 
 }  // namespace
@@ -155,18 +98,11 @@ void InstallFaultyVfs() {
         return;
     }
     real = sqlite3_vfs_find(nullptr);
-    faulty.iVersion = 1;
-    faulty.szOsFile = static_cast<int>(sizeof(File)) + real->szOsFile;
-    faulty.mxPathname = real->mxPathname;
+    faulty = *real;
+    faulty.szOsFile += static_cast<int>(sizeof(Wrapped));
     faulty.zName = "faulty";
     faulty.xOpen = Open;
     faulty.xDelete = Delete;
-    faulty.xAccess = Access;
-    faulty.xFullPathname = FullPathname;
-    faulty.xRandomness = Randomness;
-    faulty.xSleep = Sleep;
-    faulty.xCurrentTime = CurrentTime;
-    faulty.xGetLastError = GetLastError;
     if (sqlite3_vfs_register(&faulty, 1) != SQLITE_OK) {
         std::abort();
     }

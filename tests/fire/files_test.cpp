@@ -2,6 +2,7 @@
 // than a file has. An import answers with success or with "not enough fields", and costs no more
 // than the file is long: the long rounds print how the time grows when the input doubles.
 
+#include "case_table.h"
 #include "extview/rtf/rtf_import.h"
 #include "project.h"
 #include "rounds.h"
@@ -10,7 +11,6 @@
 
 #include <array>
 #include <ctime>
-#include <functional>
 #include <limits>
 
 namespace generalutilities::fire {
@@ -102,15 +102,6 @@ TEST(FilesUnderFire, CutAnywhereOrWithAnyByteChanged) {
     EXPECT_EQ(Rows<CTWBImport>(Document), (Cells{u"1", u"s\u20AC\u00E9{1}", u"2", u""}));
 }
 
-std::string Repeat(std::string_view piece, std::size_t count) {
-    std::string all;
-    all.reserve(piece.size() * count);
-    while (count-- > 0) {
-        all += piece;
-    }
-    return all;
-}
-
 /// A table of one row, with something in front of it, in its source cell, or in the font table.
 std::string FileWith(const std::string& inFront, const std::string& inCell,
                      const std::string& fonts = {}) {
@@ -125,76 +116,18 @@ std::string DocumentWith(const std::string& runs) {
            "}";
 }
 
-struct Monster {
-    const char* what;
-    std::size_t size;      ///< in every run of the tests
-    std::size_t longSize;  ///< in the long rounds
-    std::function<std::string(std::size_t)> make;
-    std::function<Cells(std::size_t)> rows;
-    Cells (*read)(std::string) = Rows<CRTFImport>;
-};
-
 const Cells Plain = {u"7", u"ab"};
-const auto AlwaysPlain = [](std::size_t) { return Plain; };
 
-const Monster Monsters[] = {
-    {"open groups", 10'000, 1'000'000, [](std::size_t n) { return FileWith(Repeat("{", n), "ab"); },
-     AlwaysPlain},
-    {"groups that are closed again", 10'000, 1'000'000,
-     [](std::size_t n) { return FileWith("", "a" + Repeat("{\\b", n) + Repeat("}", n) + "b"); },
-     AlwaysPlain},
-    {"closing braces without a group", 10'000, 1'000'000,
-     [](std::size_t n) { return FileWith("", "a" + Repeat("}", n) + "b"); }, AlwaysPlain},
-    {"letters of a control word", 1'000'000, 20'000'000,
-     [](std::size_t n) { return FileWith("", "a\\" + Repeat("w", n) + " b"); }, AlwaysPlain},
-    {"digits of a number", 1'000'000, 20'000'000,
-     [](std::size_t n) { return FileWith("", "a\\li" + Repeat("9", n) + " b"); }, AlwaysPlain},
-    {"fonts", 100'000, 1'000'000,
-     [](std::size_t n) {
-         std::string fonts;
-         for (std::size_t i = 0; i < n; ++i) {
-             fonts += "{\\f" + std::to_string(i + 100) + "\\fcharset204 F;}";
-         }
-         return FileWith("", "a\\f100 b", fonts);
-     },
-     AlwaysPlain},
-    {"letters in a cell", 2'000'000, 200'000'000,
-     [](std::size_t n) { return FileWith("", Repeat("x", n)); },
-     [](std::size_t n) {
-         return Cells{u"7", std::u16string(n, u'x')};
-     }},
-    {"escapes in a cell", 200'000, 5'000'000,
-     [](std::size_t n) { return FileWith("", Repeat("\\u8364 ?", n)); },
-     [](std::size_t n) {
-         return Cells{u"7", std::u16string(n, u'\u20AC')};
-     }},
-    {"cells in a row", 50'000, 8'000'000,
-     [](std::size_t n) { return FileWith("", "ab" + Repeat("\\cell x", n)); }, AlwaysPlain},
-    {"rows", 20'000, 1'000'000,
-     [](std::size_t n) { return FileWith("", "ab" + Repeat("\\cell\\row 7\\cell ab", n)); },
-     [](std::size_t n) {
-         Cells cells;
-         for (std::size_t i = 0; i <= n; ++i) {
-             cells.insert(cells.end(), Plain.begin(), Plain.end());
-         }
-         return cells;
-     }},
-    {"marks in one run", 200'000, 20'000'000,
-     [](std::size_t n) { return DocumentWith("{\\cs1 " + Repeat("<\\}0\\{>", n) + "}"); },
-     AlwaysPlain, Rows<CTWBImport>},
-    {"marks in runs of their own", 100'000, 5'000'000,
-     [](std::size_t n) { return DocumentWith(Repeat("{\\cs1 \\{0>}", n)); }, AlwaysPlain,
-     Rows<CTWBImport>},
-    {"marks between texts", 100'000, 5'000'000,
-     [](std::size_t n) { return DocumentWith(Repeat("{\\cs1 <\\}7\\{>}a", n)); }, AlwaysPlain,
-     Rows<CTWBImport>},
-    {"codes that do not end", 200'000, 20'000'000,
-     [](std::size_t n) { return DocumentWith("{\\cs6 " + Repeat("<c:", n) + "}"); }, AlwaysPlain,
-     Rows<CTWBImport>},
-    {"identifiers without a segment", 100'000, 5'000'000,
-     [](std::size_t n) { return DocumentWith(Repeat("{\\cs5 <ID 1>}b", n)); }, AlwaysPlain,
-     Rows<CTWBImport>},
-};
+/// A piece `count` times; each # in it is a number of its own.
+std::string Repeat(const std::string& piece, std::size_t count) {
+    std::string all;
+    all.reserve(piece.size() * count);
+    const std::size_t mark = piece.find('#');
+    for (std::size_t i = 0; i < count; ++i) {
+        all += mark == piece.npos ? piece : std::string(piece).replace(mark, 1, std::to_string(i));
+    }
+    return all;
+}
 
 double Seconds() {
     timespec now{};
@@ -203,25 +136,38 @@ double Seconds() {
 }
 
 TEST(FilesUnderFire, MoreOfEverythingThanAFileHas) {
-    for (const Monster& monster : Monsters) {
-        const std::size_t size = LongRounds() ? monster.longSize : monster.size;
-        double before = 0;
+    for (const auto& row : CaseTable("monsters.tsv")) {
+        const std::string what = Bytes(row[0]), place = Bytes(row[3]);
+        const std::string before = Bytes(row[4]), piece = Bytes(row[5]), then = Bytes(row[6]);
+        const auto size = static_cast<std::size_t>(Number(row[LongRounds() ? 2 : 1]));
+        double costOfHalf = 0;
         for (const std::size_t n : {size / 2, size}) {
-            const std::string file = monster.make(n);
-            const Cells expected = monster.rows(n);
+            const std::string text = before + Repeat(piece, n) + Repeat(then, n) + Bytes(row[7]);
+            const std::string file = place == "front"   ? FileWith(text, "ab")
+                                     : place == "fonts" ? FileWith("", "a\\f100 b", text)
+                                     : place == "cell"  ? FileWith("", text)
+                                                        : DocumentWith(text);
+            Cells expected = Plain;
+            for (std::size_t i = 0; row[8] == u"rows" && i < n; ++i) {
+                expected.insert(expected.end(), Plain.begin(), Plain.end());
+            }
+            if (row[8].size() == 1) {
+                expected[1] = std::u16string(n, row[8][0]);
+            }
             double cost = std::numeric_limits<double>::max();
             for (int run = 0; run < (LongRounds() ? 3 : 1); ++run) {
                 std::string copy = file;
                 const double start = Seconds();
-                const Cells rows = monster.read(std::move(copy));
+                const Cells rows =
+                    place == "document" ? Rows<CTWBImport>(std::move(copy)) : Rows(std::move(copy));
                 cost = std::min(cost, Seconds() - start);
-                EXPECT_TRUE(rows == expected) << monster.what << " " << n;
+                EXPECT_TRUE(rows == expected) << what << " " << n;
             }
             if (n == size && LongRounds()) {
-                std::printf("%zu %s: %.3f s, %.2f times the half\n", n, monster.what, cost,
-                            cost / before);
+                std::printf("%zu %s: %.3f s, %.2f times the half\n", n, what.c_str(), cost,
+                            cost / costOfHalf);
             }
-            before = cost;
+            costOfHalf = cost;
         }
     }
 }

@@ -10,6 +10,7 @@
 #include "collection_lives.h"
 #include "described_call.h"
 #include "drawing_life.h"
+#include "frame/values.h"
 #include "project.h"
 #include "rounds.h"
 
@@ -36,12 +37,7 @@ struct Answers {
 };
 
 void AskStringUtils(Answers& answers) {
-    ComPtr<IStringUtils> utils;
-    answers.Add(CoCreateInstance(CLSID_StringUtils, nullptr, CLSCTX_INPROC_SERVER, IID_IStringUtils,
-                                 utils.OutVoid()));
-    if (!utils) {
-        return;
-    }
+    const auto utils = Create<IStringUtils>(CLSID_StringUtils, IID_IStringUtils);
     for (const char16_t* words : {u"\u00C9l\u00E8ve {12} stra\u00DFe", u"R&D 3.5 %\uFDFA",
                                   u"\u4E2D\u6587 text", u"\u0623\u062D\u0645\u062F, 1 234"}) {
         const Bstr text(words);
@@ -60,14 +56,8 @@ void AskStringUtils(Answers& answers) {
     DISPID member = 0;
     answers.Add(utils->GetIDsOfNames(GUID_NULL, names, 1, 0, &member));
     const Bstr text(u"late");
-    VARIANT argument{}, result{};
-    argument.vt = VT_BSTR;
-    argument.bstrVal = text.Get();
-    DISPPARAMS parameters{&argument, nullptr, 1, 0};
-    answers.Add(utils->Invoke(member, GUID_NULL, 0, DISPATCH_METHOD, &parameters, &result, nullptr,
-                              nullptr));
-    answers.Add(S_OK, Bstr(std::u16string_view(result.bstrVal, SysStringLen(result.bstrVal))));
-    VariantClear(&result);
+    Answer late = generalutilities::Call(utils.Get(), member, DISPATCH_METHOD, {Borrowed(text)});
+    answers.Add(late.status, Bstr(TakeText(late.result)));
     ComPtr<ITypeInfo> information;
     answers.Add(utils->GetTypeInfo(0, 0, information.Out()));
 
@@ -84,14 +74,9 @@ void AskCollections(Answers& answers) {
 }
 
 void AskExtViewHelper(Answers& answers, const Project& project, const std::u16string& file) {
-    ComPtr<IExtViewHelper> helper;
-    answers.Add(CoCreateInstance(CLSID_ExtViewHelper, nullptr, CLSCTX_INPROC_SERVER,
-                                 IID_IExtViewHelper, helper.OutVoid()));
+    const auto helper = Create<IExtViewHelper>(CLSID_ExtViewHelper, IID_IExtViewHelper);
     ComPtr<IUnknown> opened;
-    answers.Add(OpenProjectDatabase(project.Path().c_str(), opened.Out()));
-    if (!helper || !opened) {
-        return;
-    }
+    ASSERT_EQ(OpenProjectDatabase(project.Path().c_str(), opened.Out()), S_OK);
     const Bstr path(file), reviewed(project.Reviewed()), nowhere(u"/nowhere/at/all");
     for (const std::int32_t options :
          {std::int32_t{ShowIdColumn}, std::int32_t{ShowIdColumn | UniquePairsOnly},
@@ -107,10 +92,7 @@ void AskExtViewHelper(Answers& answers, const Project& project, const std::u16st
     }
     // A failure leaves its words for the thread alone in which it happened.
     answers.Add(helper->ImportExternalView(opened.Get(), nowhere.Get(), 1036, 0, VARIANT_FALSE));
-    ComPtr<IErrorInfo> error;
-    Bstr words;
-    answers.Add(GetErrorInfo(0, error.Out()));
-    answers.Add(error ? error->GetDescription(words.Out()) : E_FAIL, words);
+    answers.Add(S_OK, Bstr(Report()));
 }
 
 TEST(Threads, EightGiveTheAnswersOfOne) {
