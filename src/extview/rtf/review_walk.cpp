@@ -333,7 +333,8 @@ void ReviewWalk::SetMark(std::uint32_t mark, bool isSet) {
 }
 
 /// Goes from a star, which ends at `end`, to where the reader goes on: the closing brace of the
-/// group.
+/// group, or the last byte of the file. What is put behind that would be skipped, too, so that the
+/// copy of a bilingual document ends before such a star.
 void ReviewWalk::SkipStarred(std::uint32_t end) {
     if (pager.ByteAt(end) == '\\') {
         const std::string_view name = ReadControlWord(pager, end + 1, nameSpill).name;
@@ -344,7 +345,13 @@ void ReviewWalk::SkipStarred(std::uint32_t end) {
         }
     }
     bool closed = false;
-    position = GroupEnd(end, closed) - 1;
+    const std::uint32_t behind = GroupEnd(end, closed);
+    if (closed || !bilingual) {
+        position = behind - 1;
+    } else {
+        copy.Drop(position, behind);
+        position = behind;
+    }
 }
 
 /// Leaves out a group from its first word up to its closing brace. A group that never ends stays,
