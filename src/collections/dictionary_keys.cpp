@@ -46,7 +46,9 @@ int CompareTexts(std::u16string_view left, std::u16string_view right) {
 
 /// The bytes of the value of a type that holds no pointer; a missing value has none.
 std::size_t ValueSize(VARTYPE type) {
-    return type == VT_RECORD ? sizeof(VARIANT::Record) : ElementSize(type);
+    return type == VT_RECORD    ? sizeof(VARIANT::Record)
+           : type == VT_DECIMAL ? sizeof(VARIANT::llVal)
+                                : ElementSize(type);
 }
 
 bool IsObject(VARTYPE type) {
@@ -125,7 +127,9 @@ bool SameValue(const VARIANT& left, const VARIANT& right) {
     if (IsObject(left.vt)) {
         return IdentityOf(left.punkVal) == IdentityOf(right.punkVal);
     }
-    return std::memcmp(&left.llVal, &right.llVal, ValueSize(left.vt)) == 0;
+    const bool sameScaleAndHead =
+        left.vt != VT_DECIMAL || std::memcmp(&left.wReserved1, &right.wReserved1, 6) == 0;
+    return sameScaleAndHead && std::memcmp(&left.llVal, &right.llVal, ValueSize(left.vt)) == 0;
 }
 
 }  // namespace

@@ -242,17 +242,15 @@ TEST_F(DictionaryTest, KeepsTheOrderThatFollowsFromTheOperations) {
 
 TEST_F(DictionaryTest, FindsKeysOfEveryTypeByTheirOwnValue) {
     double half = 0.5;
-    VARIANT real = Of(VT_R8, 0);
+    VARIANT real = Of(VT_R8, 0), decimal = Of(VT_DECIMAL, 5);
     real.dblVal = half;
+    decimal.wReserved1 = 2;
     VARIANT date = real;
     date.vt = VT_DATE;
-    const VARIANT reference = Ref(VT_R8, &half);
-    VARIANT object{};
-    object.vt = VT_DISPATCH;
-    object.pdispVal = dictionary.Get();
     const auto other = Create<IQLNDictionary>(CLSID_qlnDictionary, IID_IQLNDictionary);
-    VARIANT otherObject = object;
-    otherObject.pdispVal = other.Get();
+    VARIANT objects[] = {Of(VT_DISPATCH), Of(VT_DISPATCH)};
+    objects[0].pdispVal = dictionary.Get();
+    objects[1].pdispVal = other.Get();
     Variant arrays[3];
     for (std::int32_t i = 0; i < 3; ++i) {
         const Bstr text(i == 2 ? u"different" : u"same");
@@ -261,29 +259,28 @@ TEST_F(DictionaryTest, FindsKeysOfEveryTypeByTheirOwnValue) {
         arrays[i].InOut()->parray = SafeArrayCreateVector(VT_BSTR, 0, 1);
         SafeArrayPutElement(arrays[i].Get().parray, &index, text.Get());
     }
-    VARIANT keys[] = {Of(VT_I4, 0),    Of(VT_R8, 0),   real,         date,
-                      Of(VT_EMPTY, 0), Of(VT_NULL, 0), object,       otherObject,
-                      Of(VT_I2, 5),    Of(VT_UI1, 5),  Of(VT_I4, 5), Of(VT_I8, 5),
-                      arrays[0].Get(), arrays[2].Get()};
+    VARIANT keys[] = {Of(VT_I4, 0),    Of(VT_R8, 0),    real,         date,
+                      Of(VT_EMPTY),    Of(VT_NULL),     objects[0],   objects[1],
+                      Of(VT_I2, 5),    Of(VT_UI1, 5),   Of(VT_I4, 5), Of(VT_I8, 5),
+                      arrays[0].Get(), arrays[2].Get(), decimal,      Of(VT_DECIMAL, 5)};
     for (std::int32_t i = 0; i < std::ssize(keys); ++i) {
         VARIANT item = Of(VT_I4, i);
         ASSERT_EQ(dictionary->Add(&keys[i], &item), S_OK);
     }
     EXPECT_EQ(Count(), std::ssize(keys));
-    for (std::int32_t i = 0; i < std::ssize(keys); ++i) {
+    const auto expectItem = [&](VARIANT key, std::int32_t expected) {
         Variant item;
-        ASSERT_EQ(dictionary->get_Item(&keys[i], item.Out()), S_OK);
-        EXPECT_EQ(item.Get().lVal, i);
-    }
-    for (const auto& [key, expected] : {std::pair<VARIANT, int>{reference, 2},
-                                        {Of(VT_UI4, 5), 10},
-                                        {Of(VT_UINT, 5), 10},
-                                        {arrays[1].Get(), 12}}) {
-        VARIANT copy = key;
-        Variant item;
-        ASSERT_EQ(dictionary->get_Item(&copy, item.Out()), S_OK);
+        ASSERT_EQ(dictionary->get_Item(&key, item.Out()), S_OK);
         EXPECT_EQ(item.Get().lVal, expected) << key.vt;
+    };
+    for (std::int32_t i = 0; i < std::ssize(keys); ++i) {
+        expectItem(keys[i], i);
     }
+    expectItem(Ref(VT_R8, &half), 2);
+    expectItem(Of(VT_UI4, 5), 10);
+    expectItem(Of(VT_UINT, 5), 10);
+    expectItem(arrays[1].Get(), 12);
+    expectItem(Ref(VT_DECIMAL, &decimal), 14);
     EXPECT_EQ(List(&IQLNDictionary::Keys)[1].lVal, 5) << "integers come before doubles";
     for (VARIANT& key : keys) {
         EXPECT_EQ(dictionary->Remove(&key), S_OK);
@@ -291,51 +288,16 @@ TEST_F(DictionaryTest, FindsKeysOfEveryTypeByTheirOwnValue) {
     EXPECT_EQ(Count(), 0);
 }
 
-TEST_F(DictionaryTest, NeverFailsForWhatIsMissing) {
-    EXPECT_TRUE(List(&IQLNDictionary::Keys).empty());
-    VARIANT five = Of(VT_I4, 5);
-    VARIANT six = Of(VT_I4, 6);
-    EXPECT_EQ(dictionary->Remove(&five), S_OK);
-    VARIANT_BOOL exists = VARIANT_TRUE;
-    EXPECT_EQ(dictionary->Exists(&five, &exists), S_OK);
-    EXPECT_EQ(exists, VARIANT_FALSE);
-    EXPECT_EQ(Count(), 0);
-    Variant item;
-    EXPECT_EQ(dictionary->get_Item(&five, item.Out()), S_OK);
-    EXPECT_EQ(item.Get().vt, VT_EMPTY);
-    EXPECT_EQ(Count(), 1) << "reading makes the key";
-    EXPECT_EQ(dictionary->put_Key(&six, &six), S_OK) << "and so does renaming it";
-    EXPECT_EQ(Count(), 2);
-    EXPECT_EQ(dictionary->put_Key(&five, &six), S_OK);
-    EXPECT_EQ(Count(), 2) << "both stay";
-    EXPECT_EQ(dictionary->get_Key(&six, item.Out()), S_OK);
-    EXPECT_EQ(item.Get().lVal, 6);
-    qlnCompareMethod mode = dctmTextCompare;
-    EXPECT_EQ(dictionary->put_CompareMode(dctmTextCompare), S_OK);
-    EXPECT_EQ(dictionary->get_CompareMode(&mode), S_OK);
-    EXPECT_EQ(mode, dctmBinaryCompare);
-
-    EXPECT_EQ(dictionary->Add(nullptr, &five), E_POINTER);
-    EXPECT_EQ(dictionary->Add(&five, nullptr), E_POINTER);
-    EXPECT_EQ(dictionary->get_Item(&five, nullptr), E_POINTER);
-    EXPECT_EQ(dictionary->get_Key(&five, nullptr), E_POINTER);
-    EXPECT_EQ(dictionary->Keys(nullptr), E_POINTER);
-    EXPECT_EQ(dictionary->put_Key(&five, nullptr), E_POINTER);
-}
-
 /// An item that empties the dictionary when it is let go.
-struct Emptier : IUnknown {
+struct Emptier : Local<IUnknown> {
     explicit Emptier(IQLNDictionary& ofWhom) : dictionary(ofWhom) {}
-    HRESULT QueryInterface(REFIID, void**) noexcept override { return E_NOINTERFACE; }
-    std::uint32_t AddRef() noexcept override { return ++references; }
     std::uint32_t Release() noexcept override {
-        if (--references == 1) {
+        if (--references == 0) {
             dictionary.RemoveAll();
         }
         return references;
     }
     IQLNDictionary& dictionary;
-    std::uint32_t references = 1;
 };
 
 TEST_F(DictionaryTest, IsInOrderWhenAnItemCallsBack) {
@@ -350,7 +312,7 @@ TEST_F(DictionaryTest, IsInOrderWhenAnItemCallsBack) {
         : way == 1 ? dictionary->Remove(&five)
                    : dictionary->RemoveAll();
         EXPECT_EQ(Count(), 0);
-        EXPECT_EQ(emptier.references, 1u);
+        EXPECT_EQ(emptier.references, 0u);
     }
 }
 

@@ -40,6 +40,12 @@ VARIANT Number(double value) {
     v.dblVal = value;
     return v;
 }
+VARIANT Decimal(std::uint16_t scaleAndSign, std::uint16_t high, std::int64_t low) {
+    VARIANT v = Of(VT_DECIMAL, low);
+    v.wReserved1 = scaleAndSign;
+    v.wReserved2 = high;
+    return v;
+}
 VARIANT Text(const char16_t* text) {
     VARIANT v = Of(VT_BSTR);
     v.bstrVal = SysAllocString(text);
@@ -72,6 +78,8 @@ TEST(VariantTest, ConvertsOrSaysWhyNot) {
         {Number(-0.4), VT_UI1, S_OK, u"0"},
         {Number(-1), VT_UI1, DISP_E_OVERFLOW, u""},
         {Number(1.23456), VT_CY, S_OK, u"1.2346"},
+        {Decimal(0x8002, 0, 12345), VT_R8, S_OK, u"-123.45"},
+        {Decimal(0, 1, 0), VT_BSTR, S_OK, u"18446744073709551616"},
         {Long(-1), VT_UI4, DISP_E_OVERFLOW, u""},
         {Long(300), VT_UI1, DISP_E_OVERFLOW, u""},
         {Long(-128), VT_I1, S_OK, u"-128"},
@@ -165,6 +173,14 @@ TEST(SafeArrayTest, RefusesWhatCannotBe) {
     EXPECT_EQ(bound, 0) << "one below the lower bound";
     EXPECT_EQ(SafeArrayDestroy(empty), S_OK);
     EXPECT_EQ(SafeArrayDestroy(nullptr), S_OK);
+    // A descriptor of a client's own has no type in front of it.
+    BSTR texts[] = {nullptr};
+    SAFEARRAY own{1, FADF_BSTR, sizeof(BSTR), 0, texts, {{1, 0}}};
+    VARTYPE type = VT_EMPTY;
+    EXPECT_EQ(SafeArrayGetVartype(&own, &type), S_OK);
+    EXPECT_EQ(type, VT_BSTR);
+    own.fFeatures = 0;
+    EXPECT_EQ(SafeArrayGetVartype(&own, &type), E_INVALIDARG);
 }
 
 TEST(HandleTest, StandsForAnAddressUntilReleased) {

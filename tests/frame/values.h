@@ -33,6 +33,26 @@ inline VARIANT Borrowed(const Bstr& text) {
     return v;
 }
 
+/// `IUnknown` of an object that lives as long as a test wants: it answers to everything.
+template <class Interface>
+struct Local : Interface {
+    HRESULT QueryInterface(REFIID, void** object) noexcept override {
+        *object = this;
+        ++references;
+        return S_OK;
+    }
+    std::uint32_t AddRef() noexcept override { return ++references; }
+    std::uint32_t Release() noexcept override { return --references; }
+
+    std::uint32_t references = 0;
+};
+
+/// A class object whose instances cannot be made.
+struct NoFactory : Local<IClassFactory> {
+    HRESULT CreateInstance(IUnknown*, REFIID, void**) noexcept override { return E_NOTIMPL; }
+    HRESULT LockServer(std::int32_t) noexcept override { return S_OK; }
+};
+
 struct Answer {
     HRESULT status = S_OK;
     VARIANT result{};

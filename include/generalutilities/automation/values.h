@@ -92,6 +92,7 @@ enum : VARTYPE {
     VT_BOOL = 11,
     VT_VARIANT = 12,
     VT_UNKNOWN = 13,
+    VT_DECIMAL = 14,  ///< fills everything behind `vt`: scale, sign, upper 32 bits, lower 64 bits
     VT_I1 = 16,
     VT_UI1 = 17,
     VT_UI2 = 18,

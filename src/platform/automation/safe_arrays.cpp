@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <limits>
+#include <utility>
 
 namespace generalutilities {
 
@@ -48,23 +49,37 @@ namespace {
 
 constexpr std::size_t PrefixSize = 16;  ///< keeps the descriptor aligned; its end holds the type
 
+/// The types whose elements own something, and the features that tell them.
+constexpr std::pair<VARTYPE, std::uint16_t> OwnershipFeatures[] = {{VT_BSTR, FADF_BSTR},
+                                                                   {VT_UNKNOWN, FADF_UNKNOWN},
+                                                                   {VT_DISPATCH, FADF_DISPATCH},
+                                                                   {VT_VARIANT, FADF_VARIANT}};
+
 std::uint16_t OwnershipFeature(VARTYPE type) {
-    switch (type) {
-        case VT_BSTR:
-            return FADF_BSTR;
-        case VT_UNKNOWN:
-            return FADF_UNKNOWN;
-        case VT_DISPATCH:
-            return FADF_DISPATCH;
-        case VT_VARIANT:
-            return FADF_VARIANT;
-        default:
-            return 0;
+    for (const auto& [owning, feature] : OwnershipFeatures) {
+        if (owning == type) {
+            return feature;
+        }
     }
+    return 0;
 }
 
 std::uint32_t& TypeSlot(SAFEARRAY* array) {
     return reinterpret_cast<std::uint32_t*>(array)[-1];
+}
+
+/// The type of the elements. A descriptor that the caller has made tells it by its features alone,
+/// and VT_EMPTY stands for elements that own nothing.
+VARTYPE TypeOf(SAFEARRAY* array) {
+    if ((array->fFeatures & FADF_HAVEVARTYPE) != 0) {
+        return static_cast<VARTYPE>(TypeSlot(array));
+    }
+    for (const auto& [owning, feature] : OwnershipFeatures) {
+        if ((array->fFeatures & feature) != 0) {
+            return owning;
+        }
+    }
+    return VT_EMPTY;
 }
 
 /// The number of elements, which was checked when the array was made.
@@ -200,7 +215,7 @@ HRESULT SafeArrayDestroy(SAFEARRAY* array) noexcept {
     if (array->cLocks != 0) {
         return DISP_E_ARRAYISLOCKED;
     }
-    const auto type = static_cast<VARTYPE>(TypeSlot(array));
+    const VARTYPE type = TypeOf(array);
     if (OwnershipFeature(type) != 0) {
         for (std::size_t i = 0, count = ElementCount(array); i < count; ++i) {
             ClearElement(type, Data(array) + i * array->cbElements);
@@ -242,10 +257,10 @@ HRESULT SafeArrayGetUBound(SAFEARRAY* array, std::uint32_t dimension,
 }
 
 HRESULT SafeArrayGetVartype(SAFEARRAY* array, VARTYPE* type) noexcept {
-    if (array == nullptr || type == nullptr || (array->fFeatures & FADF_HAVEVARTYPE) == 0) {
+    if (array == nullptr || type == nullptr || TypeOf(array) == VT_EMPTY) {
         return E_INVALIDARG;
     }
-    *type = static_cast<VARTYPE>(TypeSlot(array));
+    *type = TypeOf(array);
     return S_OK;
 }
 
@@ -257,7 +272,7 @@ HRESULT SafeArrayGetElement(SAFEARRAY* array, std::int32_t* indices, void* eleme
     if (stored == nullptr) {
         return DISP_E_BADINDEX;
     }
-    return CopyElement(static_cast<VARTYPE>(TypeSlot(array)), array->cbElements, stored, element);
+    return CopyElement(TypeOf(array), array->cbElements, stored, element);
 }
 
 HRESULT SafeArrayPutElement(SAFEARRAY* array, std::int32_t* indices, void* element) noexcept {
@@ -268,7 +283,7 @@ HRESULT SafeArrayPutElement(SAFEARRAY* array, std::int32_t* indices, void* eleme
     if (stored == nullptr) {
         return DISP_E_BADINDEX;
     }
-    const auto type = static_cast<VARTYPE>(TypeSlot(array));
+    const VARTYPE type = TypeOf(array);
     const bool isPointer = type == VT_BSTR || type == VT_UNKNOWN || type == VT_DISPATCH;
     if (element == nullptr && !isPointer) {
         return E_INVALIDARG;
@@ -327,7 +342,7 @@ HRESULT SafeArrayCopy(SAFEARRAY* array, SAFEARRAY** copy) noexcept {
     if (array == nullptr) {
         return S_OK;
     }
-    const auto type = static_cast<VARTYPE>(TypeSlot(array));
+    const VARTYPE type = TypeOf(array);
     // The bounds are stored last first; `SafeArrayCreate` takes them first first.
     auto* const bounds =
         static_cast<SAFEARRAYBOUND*>(std::malloc(array->cDims * sizeof(SAFEARRAYBOUND)));

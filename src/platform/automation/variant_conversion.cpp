@@ -30,6 +30,14 @@ Integer FromSigned(std::int64_t value) {
                      : Integer{static_cast<std::uint64_t>(value), false};
 }
 
+/// The scale and the sign stand in the bytes of the first reserved word.
+double FromDecimal(const VARIANT& decimal) {
+    const std::uint32_t high = decimal.wReserved2 | std::uint32_t{decimal.wReserved3} << 16;
+    const double digits = std::ldexp(high, 64) + static_cast<double>(decimal.ullVal);
+    const double size = digits / std::pow(10.0, decimal.wReserved1 & 0xFF);
+    return decimal.wReserved1 >> 15 != 0 ? -size : size;
+}
+
 /// The value of a direct (not by-reference) variant; a status where there is none.
 HRESULT Read(const VARIANT& source, Intermediate& value) {
     switch (source.vt) {
@@ -72,6 +80,9 @@ HRESULT Read(const VARIANT& source, Intermediate& value) {
             return S_OK;
         case VT_CY:
             value = static_cast<double>(source.cyVal) / 10000.0;
+            return S_OK;
+        case VT_DECIMAL:
+            value = FromDecimal(source);
             return S_OK;
         case VT_BSTR:
             value = source.bstrVal == nullptr

@@ -5,6 +5,8 @@
 
 #include "platform/automation/dereference.h"
 
+#include <cstring>
+
 namespace generalutilities {
 
 namespace {
@@ -29,6 +31,7 @@ bool IsPlain(VARTYPE type) {
         case VT_DATE:
         case VT_BOOL:
         case VT_ERROR:
+        case VT_DECIMAL:
         case VT_RECORD:  // the record belongs to its owner: the library keeps none
             return true;
         default:
@@ -82,6 +85,10 @@ HRESULT Dereference(const VARIANT& source, VARIANT& direct) noexcept {
         case VT_R8:
         case VT_DATE:
             direct.llVal = *static_cast<std::int64_t*>(source.byref);
+            break;
+        case VT_DECIMAL:
+            std::memcpy(&direct, source.byref, 16);
+            direct.vt = VT_DECIMAL;
             break;
         case VT_BSTR:
             direct.bstrVal = *source.pbstrVal;
