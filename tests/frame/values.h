@@ -47,12 +47,6 @@ struct Local : Interface {
     std::uint32_t references = 0;
 };
 
-/// A class object whose instances cannot be made.
-struct NoFactory : Local<IClassFactory> {
-    HRESULT CreateInstance(IUnknown*, REFIID, void**) noexcept override { return E_NOTIMPL; }
-    HRESULT LockServer(std::int32_t) noexcept override { return S_OK; }
-};
-
 struct Answer {
     HRESULT status = S_OK;
     VARIANT result{};

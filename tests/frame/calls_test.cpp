@@ -1,0 +1,148 @@
+// Methods called straight through their tables, as data/calls.tsv lists them.
+
+#include <generalutilities/interfaces/class_ids.h>
+
+#include "case_table.h"
+#include "frame/interface_descriptions.h"
+#include "values.h"
+
+#include <map>
+
+namespace generalutilities {
+namespace {
+
+constexpr std::int64_t Before = 0x5A5A5A5A5A5A5A5A;  ///< what no method may have written
+
+const std::map<std::u16string, std::pair<CLSID, const InterfaceDescription& (*)()>> Classes = {
+    {u"StringUtils", {CLSID_StringUtils, DescribeStringUtils}},
+    {u"LongSet", {CLSID_LongSet, DescribeLongSet}},
+    {u"LongStack", {CLSID_LongStack, DescribeLongStack}},
+    {u"qlnDictionary", {CLSID_qlnDictionary, DescribeQLNDictionary}},
+    {u"CodePageHelper", {CLSID_CodePageHelper, DescribeCodePageHelper}},
+    {u"ITDReader", {CLSID_ITDReader, DescribeITDReader}},
+    {u"ITDWriter", {CLSID_ITDWriter, DescribeITDWriter}},
+    {u"ExtViewHelper", {CLSID_ExtViewHelper, DescribeExtViewHelper}}};
+const std::map<std::u16string, HRESULT> Statuses = {{u"ok", S_OK},
+                                                    {u"no", S_FALSE},
+                                                    {u"null", E_POINTER},
+                                                    {u"wrong", E_INVALIDARG},
+                                                    {u"failed", E_FAIL}};
+
+std::u16string Text(const VARIANT& value) {
+    Variant text;
+    EXPECT_EQ(VariantChangeType(text.InOut(), &value, 0, VT_BSTR), S_OK);
+    return {text.Get().bstrVal, SysStringLen(text.Get().bstrVal)};
+}
+
+/// A cell as a value of a type. "8:x" stands for a VARIANT of type 8, and any short integer for a
+/// yes/no value.
+VARIANT Read(const std::u16string& cell, VARTYPE type) {
+    VARIANT value{};
+    if (type == VT_VARIANT && cell != u"∅") {
+        return Read(cell.substr(cell.find(u':') + 1), static_cast<VARTYPE>(Number(cell)));
+    }
+    if (cell.starts_with(u"bytes:")) {
+        const std::string bytes = Bytes(cell.substr(6));
+        value = Of(VT_BSTR);
+        value.bstrVal =
+            SysAllocStringByteLen(bytes.data(), static_cast<std::uint32_t>(bytes.size()));
+    } else if (cell != u"∅") {
+        const Bstr text(cell);
+        const VARIANT source = Borrowed(text);
+        EXPECT_EQ(VariantChangeType(&value, &source, 0, type == VT_BOOL ? VARTYPE{VT_I2} : type),
+                  S_OK);
+    }
+    value.vt = type == VT_VARIANT ? VARTYPE{VT_EMPTY} : type;
+    return value;
+}
+
+/// A value as a cell, in the form of the one that is expected.
+std::u16string Show(VARIANT value, const std::u16string& expected) {
+    if (value.llVal == Before) {
+        return u"=";
+    }
+    if (value.vt == VT_BSTR && expected.starts_with(u"bytes:")) {
+        std::u16string bytes = u"bytes:";
+        for (std::uint32_t i = 0; i < SysStringByteLen(value.bstrVal); ++i) {
+            bytes += reinterpret_cast<const unsigned char*>(value.bstrVal)[i];
+        }
+        return bytes;
+    }
+    if ((value.vt & VT_ARRAY) != 0) {
+        VARTYPE type = VT_EMPTY;
+        EXPECT_EQ(SafeArrayGetVartype(value.parray, &type), S_OK);
+        std::u16string all = Text(Long(type));
+        for (std::int32_t i = 0;
+             i < static_cast<std::int32_t>(value.parray->rgsabound[0].cElements); ++i) {
+            VARIANT element = Of(type);
+            EXPECT_EQ(SafeArrayGetElement(value.parray, &i, &element.llVal), S_OK);
+            all += u" " + Text(element);
+        }
+        return all;
+    }
+    value.vt = value.vt == VT_BOOL ? VARTYPE{VT_I2} : value.vt;
+    return value.vt == VT_BSTR && value.bstrVal == nullptr ? u"∅" : Text(value);
+}
+
+/// Calls with the cells, of which each has what goes in, and behind an arrow what has come out.
+HRESULT Call(IUnknown* object, const Method& method, std::u16string* cells) {
+    VARIANT values[16] = {};
+    ArgumentBits bits[16];
+    const std::size_t count = method.arguments.size();
+    for (std::size_t i = 0; i < count; ++i) {
+        const ArgumentType& type = method.arguments[i].type;
+        const std::size_t arrow = cells[i].find(u'→');
+        if (cells[i].ends_with(u"→=")) {
+            values[i].llVal = Before;
+        } else if (arrow != 0) {
+            values[i] = Read(cells[i].substr(0, arrow), type.transport);
+        }
+        bits[i] = type.pointers == 0             ? ArgumentBits::Of(values[i].llVal)
+                  : cells[i] == u"∅"             ? ArgumentBits()
+                  : type.transport == VT_VARIANT ? ArgumentBits::Of(&values[i])
+                                                 : ArgumentBits::Of(&values[i].llVal);
+    }
+    const HRESULT status = method.call(object, bits);
+    for (std::size_t i = 0; i < count; ++i) {
+        const VARTYPE type = method.arguments[i].type.transport;
+        values[i].vt = type == VT_VARIANT ? values[i].vt : type;
+        if (const std::size_t arrow = cells[i].find(u'→'); arrow != cells[i].npos) {
+            const std::u16string expected = cells[i].substr(arrow + 1);
+            cells[i] = cells[i].substr(0, arrow + 1) + Show(values[i], expected);
+        }
+        if (values[i].llVal != Before) {
+            VariantClear(&values[i]);
+        }
+    }
+    return status;
+}
+
+TEST(Calls, AnswerAsListed) {
+    ComPtr<IUnknown> object;
+    std::u16string name;
+    const std::u16string folder = std::filesystem::path(TEST_DATA_DIR).u16string();
+    for (auto row : CaseTable("calls.tsv")) {
+        for (std::u16string& cell : row) {
+            cell = cell.starts_with(u"{data}") ? folder + cell.substr(6) : cell;
+        }
+        SCOPED_TRACE(testing::PrintToString(row));
+        if (!row[0].empty()) {
+            name = row[0];
+            object = Create<IUnknown>(Classes.at(name).first, Classes.at(name).second().iid);
+        }
+        const bool isSetter = row[1].starts_with(u"put ");
+        const auto& methods = Classes.at(name).second().methods;
+        const auto method = std::ranges::find_if(methods, [&](const Method& each) {
+            return (each.kind == INVOKE_PROPERTYPUT) == isSetter &&
+                   each.name == row[1].substr(isSetter ? 4 : 0);
+        });
+        ASSERT_NE(method, methods.end());
+        ASSERT_EQ(row.size(), 3 + method->arguments.size());
+        auto answer = row;
+        EXPECT_EQ(Call(object.Get(), *method, answer.data() + 3), Statuses.at(row[2]));
+        EXPECT_EQ(answer, row);
+    }
+}
+
+}  // namespace
+}  // namespace generalutilities
