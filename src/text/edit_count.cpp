@@ -94,20 +94,46 @@ class ShortPattern {
         return matches;
     }
 
+#ifdef GENERALUTILITIES_AVX2
+    GENERALUTILITIES_AVX2 std::uint64_t MatchesByVectors(char16_t unit, std::size_t word) const {
+        constexpr std::size_t HalfRows = WordRows / 2;
+        const __m256i wanted = _mm256_set1_epi16(static_cast<std::int16_t>(unit));
+        const auto half = [&](const char16_t* first) GENERALUTILITIES_AVX2 {
+            const auto* const block = reinterpret_cast<const __m256i*>(first);
+            const __m256i equal =
+                _mm256_packs_epi16(_mm256_cmpeq_epi16(_mm256_load_si256(block), wanted),
+                                   _mm256_cmpeq_epi16(_mm256_load_si256(block + 1), wanted));
+            // Packing works on each half of a register, hence the quarters change places.
+            return std::uint64_t{static_cast<std::uint32_t>(
+                _mm256_movemask_epi8(_mm256_permute4x64_epi64(equal, 0b11'01'10'00)))};
+        };
+        const char16_t* const first = units + word * WordRows;
+        return size - word * WordRows > HalfRows ? half(first) | half(first + HalfRows) << HalfRows
+                                                 : half(first);
+    }
+#endif
+
   private:
     std::size_t size;
     // What lies behind the pattern counts as rows below it, which nothing reads.
-    alignas(16) char16_t units[Words * WordRows] = {};
+    alignas(32) char16_t units[Words * WordRows] = {};
 };
 
-template <std::size_t Words>
-std::size_t CountShort(std::u16string_view pattern, std::u16string_view text) {
+template <std::size_t Words, bool ByVectors>
+[[gnu::always_inline]] inline std::size_t CountColumns(std::u16string_view pattern,
+                                                       std::u16string_view text) {
     const ShortPattern<Words> rows(pattern);
     Column columns[Words];
     for (const char16_t unit : text) {
         Column::Difference border{1, 0};
         for (std::size_t k = 0; k < Words; ++k) {
-            border = columns[k].Step(rows.Matches(unit, k), border);
+            std::uint64_t matches;
+            if constexpr (ByVectors) {
+                matches = rows.MatchesByVectors(unit, k);
+            } else {
+                matches = rows.Matches(unit, k);
+            }
+            border = columns[k].Step(matches, border);
         }
     }
     auto distance = static_cast<std::int64_t>(text.size());
@@ -117,18 +143,40 @@ std::size_t CountShort(std::u16string_view pattern, std::u16string_view text) {
     return static_cast<std::size_t>(distance);
 }
 
+#ifdef GENERALUTILITIES_AVX2
+template <std::size_t Words>
+GENERALUTILITIES_AVX2 std::size_t CountColumnsByVectors(std::u16string_view pattern,
+                                                        std::u16string_view text) {
+    return CountColumns<Words, true>(pattern, text);
+}
+#endif
+
+template <std::size_t Words>
+std::size_t CountShort(std::u16string_view pattern, std::u16string_view text,
+                       [[maybe_unused]] bool vectors) {
+#ifdef GENERALUTILITIES_AVX2
+    if (vectors) {
+        return CountColumnsByVectors<Words>(pattern, text);
+    }
+#endif
+    return CountColumns<Words, false>(pattern, text);
+}
+
 /// Numbers from 1 on for the units of a pattern, 0 for all others. Pages of 256 units, so that the
 /// room follows the scripts of the pattern.
 class UnitNumbers {
   public:
-    explicit UnitNumbers(std::u16string_view pattern) : pages(1) {
+    explicit UnitNumbers(std::u16string_view pattern) {
+        std::uint16_t last = 0;
         for (const char16_t unit : pattern) {
             std::uint16_t& page = index[unit >> 8];
             if (page == 0) {
-                page = static_cast<std::uint16_t>(pages.size());
-                pages.emplace_back();
+                page = ++last;
             }
-            std::uint32_t& number = pages[page][unit & 0xFF];
+        }
+        pages.resize(last + std::size_t{1});
+        for (const char16_t unit : pattern) {
+            std::uint32_t& number = pages[index[unit >> 8]][unit & 0xFF];
             if (number == 0) {
                 number = ++count;
             }
@@ -313,9 +361,10 @@ std::size_t EditCount(std::u16string_view one, std::u16string_view other, bool v
         std::swap(one, other);
     }
     if (one.size() <= WordRows) {
-        return CountShort<1>(one, other);
+        return CountShort<1>(one, other, vectors);
     }
-    return one.size() <= 2 * WordRows ? CountShort<2>(one, other) : CountLong(one, other, vectors);
+    return one.size() <= 2 * WordRows ? CountShort<2>(one, other, vectors)
+                                      : CountLong(one, other, vectors);
 }
 
 }  // namespace generalutilities
