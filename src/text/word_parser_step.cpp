@@ -18,14 +18,16 @@ namespace {
 constexpr std::uint8_t InWord = charclass::Letter | charclass::Number;
 
 /// The first unit from `i` on that is neither letter nor number. Eight at a time without a branch,
-/// since no processor foresees the lengths of words.
+/// since no processor foresees the lengths of words; written out, since compilers keep the loop.
 std::size_t LettersEnd(std::u16string_view text, std::size_t i) {
     constexpr unsigned Several = 8;
     for (; i + Several <= text.size(); i += Several) {
-        unsigned in = 0;
-        for (unsigned j = 0; j < Several; ++j) {
-            in |= static_cast<unsigned>((flat::Classes[text[i + j]] & InWord) != 0) << j;
-        }
+        const char16_t* const units = text.data() + i;
+        const auto bit = [units](unsigned j) {
+            return static_cast<unsigned>((flat::Classes[units[j]] & InWord) != 0) << j;
+        };
+        const unsigned in =
+            (bit(0) | bit(1)) | (bit(2) | bit(3)) | ((bit(4) | bit(5)) | (bit(6) | bit(7)));
         if (const auto count = static_cast<unsigned>(std::countr_one(in)); count < Several) {
             return i + count;
         }
@@ -96,28 +98,32 @@ TextToken SeparatorToken(const NumberSeparators& separators, std::u16string_view
 WordParser::WordParser(std::int32_t id)
     : langId(id), separators(NumberSeparators::OfLanguage(id)) {}
 
-bool WordParser::FindToken(std::u16string_view text, std::size_t position, TextToken& token) const {
+std::int32_t WordParser::FindEnd(std::u16string_view text, std::size_t position,
+                                 WordTypeEnum& type) const {
     CheckTextLength(text);
     if (position >= text.size()) {
-        return false;
+        return 0;
     }
     const char16_t unit = text[position];
     const std::uint8_t classes = flat::Classes[unit];
     if ((classes & charclass::EastAsian) != 0) {
-        token = MakeToken(position, position + 1, qlnwtDBCS);
-        return true;
+        type = qlnwtDBCS;
+        return static_cast<std::int32_t>(position + 1);
     }
     if ((classes & charclass::Letter) != 0 || unit == u'&') {
         const std::size_t end = WordEnd(text, position, langId == 1033);
         if (end != position) {
-            token = MakeToken(position, end, qlnwtWord);
-            return true;
+            type = qlnwtWord;
+            return static_cast<std::int32_t>(end);
         }
     }
-    token = (classes & charclass::Number) != 0
-                ? MakeToken(position, NumberEnd(separators, text, position), qlnwtDigit)
-                : SeparatorToken(separators, text, position);
-    return true;
+    if ((classes & charclass::Number) != 0) {
+        type = qlnwtDigit;
+        return static_cast<std::int32_t>(NumberEnd(separators, text, position));
+    }
+    const TextToken token = SeparatorToken(separators, text, position);
+    type = token.type;
+    return token.end;
 }
 
 }  // namespace generalutilities

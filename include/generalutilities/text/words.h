@@ -4,7 +4,6 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 /// Words, numbers, separators and index keys of running text in any script.
@@ -59,20 +58,21 @@ class WordParser {
     /// The token that starts at the 0-based index `position`; nothing when `position` is at or
     /// behind the end of the text. The next token starts at the `end` of this one.
     std::optional<TextToken> ParseStep(std::u16string_view text, std::size_t position) const {
-        std::optional<TextToken> token(std::in_place);
-        if (!FindToken(text, position, *token)) {
-            token.reset();
+        WordTypeEnum type{};
+        const std::int32_t end = FindEnd(text, position, type);
+        if (end == 0) {
+            return std::nullopt;
         }
-        return token;
+        return TextToken{static_cast<std::int32_t>(position), end, type};
     }
 
     /// All tokens of a text, in order, appended to nothing: `tokens` is emptied first.
     void ParseAll(std::u16string_view text, std::vector<TextToken>& tokens) const;
 
   private:
-    /// What ParseStep is made of. The token is written where the caller reads it: copied in pieces
-    /// of another size than it was written in, it would be the slowest part of the work.
-    bool FindToken(std::u16string_view text, std::size_t position, TextToken& token) const;
+    /// What ParseStep is made of: the end of the token, 0 where there is none. It comes in a
+    /// register, since the way of a token through memory would be the slowest part of the work.
+    std::int32_t FindEnd(std::u16string_view text, std::size_t position, WordTypeEnum& type) const;
 
     std::int32_t langId;
     NumberSeparators separators;
