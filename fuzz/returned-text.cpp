@@ -5,8 +5,8 @@
 #include <generalutilities/extview/segment_text.h>
 #include <generalutilities/project/line_ends.h>
 #include <generalutilities/project/segment_codes.h>
-#include <generalutilities/project/word_diff.h>
 
+#include "project/word_diff_promises.h"
 #include "text_input.h"
 
 #include <algorithm>
@@ -33,19 +33,6 @@ void CheckPlainText(std::u16string_view text, std::u16string_view other) {
     }
 }
 
-void CheckDifference(std::u16string_view before, std::u16string_view after) {
-    std::size_t oldAt = 0;
-    std::size_t newAt = 0;
-    for (const DiffStretch& stretch : CompareWords(before, after, 1033)) {
-        Require(stretch.oldFirst == oldAt && stretch.newFirst == newAt);
-        Require(!stretch.same ||
-                before.substr(oldAt, stretch.oldLength) == after.substr(newAt, stretch.newLength));
-        oldAt += stretch.oldLength;
-        newAt += stretch.newLength;
-    }
-    Require(oldAt == before.size() && newAt == after.size());
-}
-
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -56,7 +43,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::u16string_view returned = whole.substr(std::min(end + 1, whole.size()));
 
     CheckPlainText(stored, returned);
-    CheckDifference(stored, returned);
+    Require(KeepsPromises(stored, returned));
     PlainText(stored);
     Require(CompareCodes(stored, stored).empty());
     Require(CompareCodes(stored, returned).empty() == CompareCodes(returned, stored).empty());

@@ -6,16 +6,6 @@
 namespace generalutilities {
 namespace {
 
-const NewProjectRow& RowOf(const std::vector<NewProjectRow>& rows, std::u16string_view source) {
-    for (const NewProjectRow& row : rows) {
-        if (row.source == source) {
-            return row;
-        }
-    }
-    ADD_FAILURE() << "no row " << files::ToUtf8Lossy(source);
-    return rows.front();
-}
-
 CatalogInput AllCatalogs() {
     CatalogInput input;
     input.templatePath = DataFile(u"template.pot");
@@ -28,48 +18,10 @@ TEST(CatalogInput, MatchesTheMessagesOfSeveralLanguages) {
     const auto source = OpenCatalogInput(AllCatalogs());
     EXPECT_EQ(source->Languages(), (std::vector<std::int32_t>{1049, 1036, 1041, 1031}))
         << "from the header, from the file's name, and the one without a catalogue";
-    const auto rows = AllRows(*source);
-    ASSERT_EQ(rows.size(), 7U) << "5 messages, one of them with three plural forms";
-    EXPECT_EQ(source->RowsAtMost(), 7U);
-
-    const NewProjectRow& open = RowOf(rows, u"Open %s");
-    EXPECT_EQ(open.translations[0].target, u"Открыть %s");
-    EXPECT_EQ(open.translations[0].status, 2) << "fuzzy";
-    EXPECT_EQ(open.translations[0].percentage, 0);
-    EXPECT_EQ(open.translations[0].comments, u"Меню.\nA menu entry.");
-    EXPECT_EQ(open.translations[1].target, u"Ouvrir %s \u00E0 c\u00F4t\u00E9") << "ISO-8859-1";
-    EXPECT_EQ(open.translations[1].status, 1) << "exact";
-    EXPECT_EQ(open.translations[1].percentage, 100);
-    EXPECT_EQ(open.translations[2].target, u"表示%s") << "Shift_JIS, with 0x5C as a second byte";
-    EXPECT_EQ(open.translations[3].target, u"");
-    EXPECT_EQ(open.translations[3].status, 0);
-
-    EXPECT_EQ(rows[1].source, u"Open");
-    EXPECT_EQ(rows[1].translations[0].target, u"") << "another context";
-    EXPECT_EQ(rows[1].translations[0].comments, u"Context: verb");
-    EXPECT_EQ(rows[2].translations[0].target, u"Открытый");
-    EXPECT_EQ(RowOf(rows, u"C:\\\\\\{x\\}").translations[1].target, u"C:\\\\\\{x\\} \u00AB\u00BB");
+    EXPECT_EQ(source->RowsAtMost(), 7U) << "5 messages, one of them with three plural forms";
+    EXPECT_EQ(CellsOf(AllRows(*source)), CaseTable("catalog_rows.tsv"));
     ASSERT_EQ(source->Notes().size(), 1U) << "a message that the template does not have";
     EXPECT_NE(source->Notes()[0].find("ru.po: 1 "), std::string::npos);
-}
-
-TEST(CatalogInput, GivesARowForEachPluralForm) {
-    const auto rows = AllRows(*OpenCatalogInput(AllCatalogs()));
-    const auto& one = rows[3];
-    const auto& few = rows[4];
-    const auto& many = rows[5];
-    EXPECT_EQ(one.source, u"%d file");
-    EXPECT_EQ(few.source, u"%d files");
-    EXPECT_EQ(many.source, u"%d files");
-    EXPECT_EQ(many.translations[0].target, u"%d файлов");
-    EXPECT_EQ(many.translations[0].status, 1);
-    EXPECT_EQ(few.translations[1].target, u"%d fichiers");
-    EXPECT_EQ(many.translations[1].target, u"");
-    EXPECT_EQ(many.translations[1].status, 0x200)
-        << "French has no third form: nothing to do there";
-    EXPECT_EQ(one.translations[2].target, u"%d ファイル");
-    EXPECT_EQ(few.translations[2].status, 0x200);
-    EXPECT_EQ(few.translations[0].comments, u"Plural form 2 of 3");
 }
 
 TEST(CatalogInput, WorksWithoutATemplateAndByReference) {

@@ -66,6 +66,23 @@ inline std::vector<NewProjectRow> AllRows(RowSource& source) {
     return rows;
 }
 
+/// Rows as they stand in tables of cases: identifier, source, the file's name, frequency in the
+/// lexicon, and of each language target, status, percentage and comments.
+inline std::vector<std::vector<std::u16string>> CellsOf(const std::vector<NewProjectRow>& rows) {
+    const auto number = [](std::int32_t value) { return files::FromUtf8(std::to_string(value)); };
+    std::vector<std::vector<std::u16string>> table;
+    for (const NewProjectRow& row : rows) {
+        table.push_back({row.id, row.source, row.fileSpec.substr(row.fileSpec.rfind(u'/') + 1),
+                         row.isLexicon ? number(row.frequency) : u""});
+        for (const Translation& translation : row.translations) {
+            table.back().insert(table.back().end(),
+                                {translation.target, number(translation.status),
+                                 number(translation.percentage), translation.comments});
+        }
+    }
+    return table;
+}
+
 inline std::unique_ptr<Database> OpenProject(std::u16string_view path) {
     DatabaseFailure failure;
     auto database = OpenDatabase(path, OpenMode::ReadWrite, failure);
