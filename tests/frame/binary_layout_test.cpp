@@ -1,50 +1,14 @@
-// What clients in other languages lay out and count by hand: sizes, offsets, places in tables.
+// What clients in other languages count by hand: places in the tables of published interfaces.
 
-#include <generalutilities/automation/device_context.h>
 #include <generalutilities/automation/dictionary.h>
 #include <generalutilities/automation/type_information.h>
 
-#include "case_table.h"
-#include "frame/interface_descriptions.h"
-
 #include <cstring>
-#include <map>
+#include <gtest/gtest.h>
+#include <typeinfo>
 
 namespace generalutilities {
 namespace {
-
-#define GENERALUTILITIES_OFFSET(type, field, offset) static_assert(offsetof(type, field) == offset)
-static_assert(sizeof(HRESULT) == 4 && sizeof(VARIANT_BOOL) == 2 && VARIANT_TRUE == -1);
-static_assert(sizeof(GUID) == 16 && alignof(GUID) == 4 && offsetof(GUID, Data4) == 8);
-static_assert(sizeof(VARIANT) == 24 && offsetof(VARIANT, bstrVal) == 8);
-GENERALUTILITIES_OFFSET(SAFEARRAY, fFeatures, 2);
-GENERALUTILITIES_OFFSET(SAFEARRAY, cbElements, 4);
-GENERALUTILITIES_OFFSET(SAFEARRAY, cLocks, 8);
-GENERALUTILITIES_OFFSET(SAFEARRAY, pvData, 16);
-static_assert(sizeof(SAFEARRAYBOUND) == 8 && sizeof(SAFEARRAY) == 24 + 8);
-static_assert(sizeof(tagRECT) == 16 && offsetof(tagRECT, bottom) == 12);
-static_assert(sizeof(LOGFONT) == 60 && offsetof(LOGFONT, lfFaceName) == 28);
-static_assert(sizeof(DeviceContextPixels) == 24);
-static_assert(sizeof(DISPPARAMS) == 24 && offsetof(DISPPARAMS, cNamedArgs) == 20);
-GENERALUTILITIES_OFFSET(EXCEPINFO, bstrSource, 8);
-GENERALUTILITIES_OFFSET(EXCEPINFO, dwHelpContext, 32);
-GENERALUTILITIES_OFFSET(EXCEPINFO, pfnDeferredFillIn, 48);
-GENERALUTILITIES_OFFSET(EXCEPINFO, scode, 56);
-static_assert(sizeof(EXCEPINFO) == 64);
-static_assert(sizeof(CONNECTDATA) == 16);
-static_assert(sizeof(ELEMDESC) == 32 && offsetof(PARAMDESCEX, varDefaultValue) == 8);
-GENERALUTILITIES_OFFSET(FUNCDESC, funckind, 24);
-GENERALUTILITIES_OFFSET(FUNCDESC, cParams, 36);
-GENERALUTILITIES_OFFSET(FUNCDESC, oVft, 40);
-GENERALUTILITIES_OFFSET(FUNCDESC, elemdescFunc, 48);
-static_assert(sizeof(FUNCDESC) == 88);
-GENERALUTILITIES_OFFSET(VARDESC, elemdescVar, 24);
-static_assert(sizeof(VARDESC) == 64);
-GENERALUTILITIES_OFFSET(TYPEATTR, typekind, 44);
-GENERALUTILITIES_OFFSET(TYPEATTR, tdescAlias, 64);
-static_assert(sizeof(TYPEATTR) == 96);
-static_assert(sizeof(TLIBATTR) == 32 && offsetof(TLIBATTR, wMajorVerNum) == 24);
-#undef GENERALUTILITIES_OFFSET
 
 template <class Member>
 std::size_t Place(Member member) {
@@ -109,34 +73,6 @@ TEST(TableOrderTest, PublishedInterfacesKeepTheirs) {
                              &IDictionary::Keys, &IDictionary::Remove, &IDictionary::RemoveAll,
                              &IDictionary::put_CompareMode, &IDictionary::get_CompareMode,
                              &IDictionary::get__NewEnum, &IDictionary::get_HashVal);
-}
-
-TEST(TableOrderTest, OwnInterfacesAreTheListedOnes) {
-    std::map<std::u16string, std::vector<std::vector<std::u16string>>> listed, described;
-    for (const auto& row : CaseTable("interface_tables.tsv")) {
-        listed[row[0]].push_back({row.begin() + 1, row.end()});
-    }
-    for (const auto describe :
-         {DescribeStringUtils, DescribeITDReader, DescribeITDWriter, DescribeQLNSort,
-          DescribeExtViewHelper, DescribeLongSet, DescribeUDrawText, DescribeLongStack,
-          DescribeQLNDictionary, DescribeCodePageHelper}) {
-        const InterfaceDescription& interface = describe();
-        std::size_t offset = 7 * sizeof(void*);
-        for (const Method& method : interface.methods) {
-            const std::string id = std::to_string(method.id);
-            described[interface.name].push_back({method.kind == INVOKE_FUNC          ? u"call"
-                                                 : method.kind == INVOKE_PROPERTYGET ? u"get"
-                                                                                     : u"put",
-                                                 {id.begin(), id.end()},
-                                                 method.name});
-            EXPECT_EQ(static_cast<std::size_t>(method.tableOffset), offset) << id;
-            offset += sizeof(void*);
-        }
-    }
-    for (const auto& [interface, table] : listed) {
-        EXPECT_EQ(described[interface], table);
-    }
-    EXPECT_EQ(described.size(), listed.size());
 }
 
 }  // namespace

@@ -28,12 +28,6 @@ const std::map<std::u16string, HRESULT> Statuses = {{u"ok", S_OK},
                                                     {u"wrong", E_INVALIDARG},
                                                     {u"failed", E_FAIL}};
 
-std::u16string Text(const VARIANT& value) {
-    Variant text;
-    EXPECT_EQ(VariantChangeType(text.InOut(), &value, 0, VT_BSTR), S_OK);
-    return {text.Get().bstrVal, SysStringLen(text.Get().bstrVal)};
-}
-
 /// A cell as a value of a type. "8:x" stands for a VARIANT of type 8, and any short integer for a
 /// yes/no value.
 VARIANT Read(const std::u16string& cell, VARTYPE type) {

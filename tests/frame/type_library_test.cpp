@@ -1,170 +1,156 @@
-// The type library, read as a client reads it.
+// The type library, read as a client reads it, beside data/type_library.tsv.
 
 #include <generalutilities/interfaces/class_ids.h>
 #include <generalutilities/interfaces/ext_view_helper.h>
-#include <generalutilities/interfaces/string_utils.h>
+#include <generalutilities/utf8.h>
 
+#include "case_table.h"
+#include "platform/component_runtime/guid_text.h"
 #include "values.h"
-
-#include <map>
 
 namespace generalutilities {
 namespace {
 
-class TypeLibraryTest : public testing::Test {
-  protected:
-    void SetUp() override {
-        const std::string path = MODULE_PATH;
-        ASSERT_EQ(LoadTypeLib(std::u16string(path.begin(), path.end()).c_str(), library.Out()),
-                  S_OK);
-    }
-    ComPtr<ITypeInfo> Type(REFGUID guid) {
-        ComPtr<ITypeInfo> info;
-        EXPECT_EQ(library->GetTypeInfoOfGuid(guid, info.Out()), S_OK);
-        return info;
-    }
-    static TYPEATTR Attributes(ITypeInfo* info) {
-        TYPEATTR* attributes = nullptr;
-        EXPECT_EQ(info->GetTypeAttr(&attributes), S_OK);
-        const TYPEATTR copy = *attributes;
-        info->ReleaseTypeAttr(attributes);
-        return copy;
-    }
-    static ComPtr<ITypeInfo> Referred(ITypeInfo* info, HREFTYPE reference) {
-        ComPtr<ITypeInfo> referred;
-        EXPECT_EQ(info->GetRefTypeInfo(reference, referred.Out()), S_OK);
-        return referred;
-    }
-    static std::u16string Name(ITypeInfo* info, MEMBERID member = MEMBERID_NIL) {
-        Bstr name;
-        EXPECT_EQ(info->GetDocumentation(member, name.Out(), nullptr, nullptr, nullptr), S_OK);
-        return name.Text();
-    }
-    ComPtr<ITypeLib> library;
-    Bstr name, help;
-};
+std::ostream& operator<<(std::ostream& out, const Bstr& text) {
+    return out << ToUtf8(text.View());
+}
 
-TEST_F(TypeLibraryTest, HoldsTwentyEightTypes) {
-    EXPECT_EQ(library->GetTypeInfoCount(), 28u);
-    std::map<TYPEKIND, int> kinds;
-    TYPEKIND kind{};
-    for (std::uint32_t i = 0; i < 28; ++i) {
-        ASSERT_EQ(library->GetTypeInfoType(i, &kind), S_OK);
-        ++kinds[kind];
-        ASSERT_EQ(library->GetDocumentation(static_cast<std::int32_t>(i), name.Out(), help.Out(),
-                                            nullptr, nullptr),
-                  S_OK);
-        if (kind == TKIND_DISPATCH) {
-            EXPECT_EQ(help.View(), name.Text() + u" Interface");
-        } else if (kind == TKIND_COCLASS) {
-            EXPECT_EQ(help.View(), name.View() == u"CodePageHelper" ? u"CodePagerHelper Class"
-                                                                    : name.Text() + u" Class");
+/// The name of a type or of its member.
+Bstr Name(ITypeInfo* info, MEMBERID member = MEMBERID_NIL) {
+    Bstr name;
+    EXPECT_EQ(info->GetDocumentation(member, name.Out(), nullptr, nullptr, nullptr), S_OK);
+    return name;
+}
+
+/// A type as a header has it: a VARTYPE or a name, and a star for each pointer.
+void TellType(std::ostream& out, ITypeInfo* info, const TYPEDESC& type) {
+    if (type.vt == VT_PTR || type.vt == VT_SAFEARRAY) {
+        TellType(out, info, *type.lptdesc);
+        out << (type.vt == VT_PTR ? "*" : "[]");
+    } else if (type.vt == VT_USERDEFINED) {
+        ComPtr<ITypeInfo> referred;
+        EXPECT_EQ(info->GetRefTypeInfo(type.hreftype, referred.Out()), S_OK);
+        out << Name(referred.Get());
+    } else {
+        out << type.vt;
+    }
+}
+
+void TellImplemented(std::ostream& out, ITypeInfo* info, std::uint32_t index) {
+    TYPEDESC type{};
+    type.vt = VT_USERDEFINED;
+    std::int32_t flags = 0;
+    EXPECT_EQ(info->GetRefTypeOfImplType(index, &type.hreftype), S_OK);
+    EXPECT_EQ(info->GetImplTypeFlags(index, &flags), S_OK);
+    TellType(out, info, type);
+    out << " " << flags;
+}
+
+void TellFunction(std::ostream& out, ITypeInfo* info, std::uint32_t index) {
+    FUNCDESC* function = nullptr;
+    EXPECT_EQ(info->GetFuncDesc(index, &function), S_OK);
+    BSTR names[17] = {};
+    std::uint32_t known = 0;
+    EXPECT_EQ(info->GetNames(function->memid, names, 17, &known), S_OK);
+    out << function->memid << " " << function->invkind << " " << function->oVft << " "
+        << ToUtf8(names[0]);
+    for (std::int16_t i = 0; i < function->cParams; ++i) {
+        const ELEMDESC& argument = function->lprgelemdescParam[i];
+        TellType(out << ", ", info, argument.tdesc);
+        out << " " << argument.paramdesc.wParamFlags;
+        if (argument.paramdesc.pparamdescex != nullptr) {
+            out << "=" << ToUtf8(Text(argument.paramdesc.pparamdescex->varDefaultValue));
+        }
+        if (const BSTR name = names[i + 1]) {
+            out << " " << ToUtf8(name);
         }
     }
-    EXPECT_EQ(kinds, (std::map<TYPEKIND, int>{{TKIND_COCLASS, 10},
-                                              {TKIND_DISPATCH, 11},
-                                              {TKIND_RECORD, 1},
-                                              {TKIND_ENUM, 4},
-                                              {TKIND_ALIAS, 2}}));
-    library->GetDocumentation(-1, name.Out(), help.Out(), nullptr, nullptr);
-    EXPECT_EQ(name.View(), u"GeneralUtilities");
-    EXPECT_EQ(help.View(), u"Quillon General Utilities Library");
-    TLIBATTR* attributes = nullptr;
-    ASSERT_EQ(library->GetLibAttr(&attributes), S_OK);
-    EXPECT_EQ(attributes->guid, LIBID_GeneralUtilities);
-    EXPECT_EQ(attributes->wMajorVerNum, 1);
-    library->ReleaseTLibAttr(attributes);
+    std::for_each(names, names + known, SysFreeString);
+    TellType(out << ": ", info, function->elemdescFunc.tdesc);
+    info->ReleaseFuncDesc(function);
+}
 
+void TellVariable(std::ostream& out, ITypeInfo* info, std::uint32_t index) {
+    VARDESC* variable = nullptr;
+    EXPECT_EQ(info->GetVarDesc(index, &variable), S_OK);
+    out << Name(info, variable->memid) << " ";
+    variable->varkind == VAR_CONST ? out << variable->lpvarValue->lVal : out << variable->oInst;
+    info->ReleaseVarDesc(variable);
+}
+
+TEST(TypeLibraryTest, HoldsWhatIsListed) {
+    ComPtr<ITypeLib> library;
+    ASSERT_EQ(LoadTypeLib(std::filesystem::path(MODULE_PATH).u16string().c_str(), library.Out()),
+              S_OK);
+    std::ostringstream out;
+    Bstr name, help;
+    TLIBATTR* attributes = nullptr;
+    ASSERT_EQ(library->GetDocumentation(-1, name.Out(), help.Out(), nullptr, nullptr), S_OK);
+    ASSERT_EQ(library->GetLibAttr(&attributes), S_OK);
+    out << name << " " << GuidText(attributes->guid) << " " << attributes->wMajorVerNum << "."
+        << attributes->wMinorVerNum << " " << help;
+    library->ReleaseTLibAttr(attributes);
+    for (std::uint32_t i = 0; i < library->GetTypeInfoCount(); ++i) {
+        ComPtr<ITypeInfo> info, found;
+        TYPEATTR* type = nullptr;
+        ASSERT_EQ(library->GetTypeInfo(i, info.Out()), S_OK);
+        ASSERT_EQ(info->GetDocumentation(MEMBERID_NIL, name.Out(), help.Out(), nullptr, nullptr),
+                  S_OK);
+        ASSERT_EQ(info->GetTypeAttr(&type), S_OK);
+        out << "\n"
+            << name << " is " << type->typekind << " " << GuidText(type->guid) << " "
+            << type->wTypeFlags << " " << type->cbSizeVft << " " << help;
+        if (type->typekind == TKIND_ALIAS) {
+            TellType(out, info.Get(), type->tdescAlias);
+        }
+        for (const auto& [count, tell] : {std::pair{type->cImplTypes, &TellImplemented},
+                                          {type->cFuncs, &TellFunction},
+                                          {type->cVars, &TellVariable}}) {
+            for (std::uint32_t n = 0; n < count; ++n) {
+                tell(out << "\n", info.Get(), n);
+            }
+        }
+        FUNCDESC* function = nullptr;
+        EXPECT_EQ(info->GetFuncDesc(type->cFuncs, &function), TYPE_E_ELEMENTNOTFOUND);
+        EXPECT_EQ(library->GetTypeInfoOfGuid(type->guid, found.Out()),
+                  type->guid == GUID_NULL ? TYPE_E_ELEMENTNOTFOUND : S_OK);
+        EXPECT_TRUE(!found || Name(found.Get()).View() == name.View());
+        info->ReleaseTypeAttr(type);
+    }
+    std::string listed;
+    for (const auto& row : CaseTable("type_library.tsv")) {
+        listed += (listed.empty() ? "" : "\n") + ToUtf8(row[0]);
+    }
+    EXPECT_EQ(out.str(), listed);
+    TYPEKIND kind{};
     EXPECT_EQ(library->GetTypeInfoType(28, &kind), TYPE_E_ELEMENTNOTFOUND);
-    ComPtr<ITypeInfo> none;
-    EXPECT_EQ(library->GetTypeInfoOfGuid(GUID_NULL, none.Out()), TYPE_E_ELEMENTNOTFOUND);
     EXPECT_EQ(LoadTypeLib(u"/bin/sh", library.Out()), TYPE_E_CANTLOADLIBRARY);
 }
 
-TEST_F(TypeLibraryTest, ClassesNameTheirInterfaces) {
-    const auto helper = Type(CLSID_ExtViewHelper);
-    EXPECT_EQ(Attributes(helper.Get()).cImplTypes, 2);
-    EXPECT_EQ(Attributes(helper.Get()).wTypeFlags, TYPEFLAG_FCANCREATE);
-    const std::pair<const char16_t*, std::int32_t> expected[] = {
-        {u"IExtViewHelper", IMPLTYPEFLAG_FDEFAULT},
-        {u"_IExtViewHelperEvents", IMPLTYPEFLAG_FDEFAULT | IMPLTYPEFLAG_FSOURCE}};
-    for (std::uint32_t i = 0; i < 2; ++i) {
-        HREFTYPE reference = 0;
-        std::int32_t flags = 0;
-        ASSERT_EQ(helper->GetRefTypeOfImplType(i, &reference), S_OK);
-        ASSERT_EQ(helper->GetImplTypeFlags(i, &flags), S_OK);
-        EXPECT_EQ(Name(Referred(helper.Get(), reference).Get()), expected[i].first);
-        EXPECT_EQ(flags, expected[i].second);
-    }
-    const auto utils = Type(CLSID_StringUtils);
-    EXPECT_EQ(Attributes(utils.Get()).wTypeFlags, TYPEFLAG_FCANCREATE | TYPEFLAG_FAPPOBJECT);
-    ComPtr<IStringUtils> created;
-    EXPECT_EQ(utils->CreateInstance(nullptr, IID_IStringUtils, created.OutVoid()), S_OK);
-}
-
-TEST_F(TypeLibraryTest, MethodsTellTheirArgumentsAndDefaults) {
-    const auto utils = Type(IID_IStringUtils);
-    EXPECT_EQ(Attributes(utils.Get()).cFuncs, 23);
-    EXPECT_EQ(Attributes(utils.Get()).wTypeFlags,
-              TYPEFLAG_FDUAL | TYPEFLAG_FOLEAUTOMATION | TYPEFLAG_FDISPATCHABLE);
-
-    FUNCDESC* function = nullptr;
-    ASSERT_EQ(utils->GetFuncDesc(21, &function), S_OK);  // ToIndex
-    EXPECT_EQ(function->memid, 21);
-    EXPECT_EQ(function->cParams, 4);
-    EXPECT_EQ(function->oVft, (7 + 21) * 8);
-    const ELEMDESC& size = function->lprgelemdescParam[2];
-    EXPECT_EQ(size.tdesc.vt, VT_I4);
-    EXPECT_EQ(size.paramdesc.wParamFlags, PARAMFLAG_FIN | PARAMFLAG_FOPT | PARAMFLAG_FHASDEFAULT);
-    EXPECT_EQ(size.paramdesc.pparamdescex->varDefaultValue.lVal, 50);
-    const ELEMDESC& result = function->lprgelemdescParam[3];
-    EXPECT_EQ(result.tdesc.vt, VT_PTR);
-    EXPECT_EQ(result.tdesc.lptdesc->vt, VT_BSTR);
-    EXPECT_EQ(result.paramdesc.wParamFlags, PARAMFLAG_FOUT | PARAMFLAG_FRETVAL);
-    utils->ReleaseFuncDesc(function);
-
-    ASSERT_EQ(utils->GetFuncDesc(19, &function), S_OK);  // ParseString: an alias behind a pointer
-    const TYPEDESC* const wordType = function->lprgelemdescParam[3].tdesc.lptdesc;
-    ASSERT_EQ(wordType->vt, VT_USERDEFINED);
-    const auto alias = Referred(utils.Get(), wordType->hreftype);
-    utils->ReleaseFuncDesc(function);
-    const TYPEATTR meaning = Attributes(alias.Get());
-    EXPECT_EQ(meaning.typekind, TKIND_ALIAS);
-    const auto enumeration = Referred(alias.Get(), meaning.tdescAlias.hreftype);
-    EXPECT_EQ(Name(enumeration.Get()), u"WordTypeEnum");
-    VARDESC* constant = nullptr;
-    ASSERT_EQ(enumeration->GetVarDesc(4, &constant), S_OK);
-    EXPECT_EQ(constant->lpvarValue->lVal, qlnwtCode);
-    EXPECT_EQ(Name(enumeration.Get(), constant->memid), u"qlnwtCode");
-    enumeration->ReleaseVarDesc(constant);
-
-    BSTR names[8] = {};
-    std::uint32_t count = 0;
-    ASSERT_EQ(utils->GetNames(14, names, 8, &count), S_OK);
-    ASSERT_EQ(count, 6u);
-    EXPECT_EQ(std::u16string(names[5]), u"CodeContents");
-    std::for_each(names, names + count, SysFreeString);
-    EXPECT_EQ(utils->GetFuncDesc(23, &function), TYPE_E_ELEMENTNOTFOUND);
-    EXPECT_EQ(utils->GetNames(99, names, 8, &count), TYPE_E_ELEMENTNOTFOUND);
-}
-
-TEST_F(TypeLibraryTest, AnObjectGivesTheInformationOfItsDefaultInterface) {
-    const auto helper = Create<IDispatch>(CLSID_ExtViewHelper, IID_IDispatch);
+TEST(TypeLibraryTest, AnObjectGivesTheInformationOfItsDefaultInterface) {
+    const auto helper = Create<IExtViewHelper>(CLSID_ExtViewHelper, IID_IExtViewHelper);
     std::uint32_t count = 0;
     EXPECT_EQ(helper->GetTypeInfoCount(&count), S_OK);
     EXPECT_EQ(count, 1u);
     ComPtr<ITypeInfo> info;
     EXPECT_EQ(helper->GetTypeInfo(1, 0, info.Out()), DISP_E_BADINDEX);
     ASSERT_EQ(helper->GetTypeInfo(0, 0, info.Out()), S_OK);
-    EXPECT_EQ(Name(info.Get()), u"IExtViewHelper");
+    EXPECT_EQ(Name(info.Get()).View(), u"IExtViewHelper");
 
     // Late binding through the type information alone, on the default interface.
-    const auto typed = helper.As<IExtViewHelper>(IID_IExtViewHelper);
     DISPPARAMS none{nullptr, nullptr, 0, 0};
     VARIANT font{};
-    ASSERT_EQ(info->Invoke(typed.Get(), 2, DISPATCH_PROPERTYGET, &none, &font, nullptr, nullptr),
+    ASSERT_EQ(info->Invoke(helper.Get(), 2, DISPATCH_PROPERTYGET, &none, &font, nullptr, nullptr),
               S_OK);
     EXPECT_EQ(TakeText(font), u"Tahoma");
+
+    ComPtr<ITypeLib> library;
+    ComPtr<ITypeInfo> type;
+    ComPtr<IUnknown> created;
+    std::uint32_t index = 0;
+    ASSERT_EQ(info->GetContainingTypeLib(library.Out(), &index), S_OK);
+    ASSERT_EQ(library->GetTypeInfoOfGuid(CLSID_ExtViewHelper, type.Out()), S_OK);
+    EXPECT_EQ(type->CreateInstance(nullptr, IID_IExtViewHelper, created.OutVoid()), S_OK);
 }
 
 }  // namespace

@@ -68,6 +68,13 @@ inline Answer Call(IDispatch* object, DISPID member, std::uint16_t flags,
     return answer;
 }
 
+/// A value converted to a text.
+inline std::u16string Text(const VARIANT& value) {
+    Variant text;
+    EXPECT_EQ(VariantChangeType(text.InOut(), &value, 0, VT_BSTR), S_OK);
+    return {text.Get().bstrVal, SysStringLen(text.Get().bstrVal)};
+}
+
 /// The text of a result, which is freed.
 inline std::u16string TakeText(VARIANT& value) {
     EXPECT_EQ(value.vt, VT_BSTR);

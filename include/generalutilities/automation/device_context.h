@@ -42,7 +42,7 @@ struct LOGFONT {
     std::uint8_t lfPitchAndFamily = 0;
     char lfFaceName[32] = {};  ///< the family, in code page 1252, ended by a zero byte
 };
-static_assert(sizeof(LOGFONT) == 60);
+static_assert(sizeof(LOGFONT) == 60 && offsetof(LOGFONT, lfFaceName) == 28);
 
 /// The pixels of an image, row by row from the top. A pixel is 0xAARRGGBB with the colours
 /// multiplied by the alpha; a new image is transparent black.
@@ -52,6 +52,7 @@ struct DeviceContextPixels {
     std::int32_t height;
     std::int32_t stride;  ///< pixels from one row to the next
 };
+static_assert(sizeof(DeviceContextPixels) == 24);
 
 extern "C" {
 

@@ -82,6 +82,7 @@ struct PARAMDESCEX {
     std::uint32_t cBytes;
     VARIANT varDefaultValue;
 };
+static_assert(offsetof(PARAMDESCEX, varDefaultValue) == 8);
 
 /// How an argument travels: PARAMFLAG bits, and its default.
 struct PARAMDESC {
@@ -111,6 +112,8 @@ struct FUNCDESC {
     ELEMDESC elemdescFunc;  ///< the result: VT_HRESULT, VT_VOID for an event
     std::uint16_t wFuncFlags;
 };
+static_assert(sizeof(FUNCDESC) == 88 && offsetof(FUNCDESC, funckind) == 24);
+static_assert(offsetof(FUNCDESC, oVft) == 40 && offsetof(FUNCDESC, elemdescFunc) == 48);
 
 /// A field of a record, or a constant of an enumeration.
 struct VARDESC {
@@ -124,6 +127,7 @@ struct VARDESC {
     std::uint16_t wVarFlags;
     VARKIND varkind;
 };
+static_assert(sizeof(VARDESC) == 64 && offsetof(VARDESC, elemdescVar) == 24);
 
 /// The attributes of a type.
 struct TYPEATTR {
@@ -149,6 +153,8 @@ struct TYPEATTR {
         std::uint16_t wIDLFlags;
     } idldescType;
 };
+static_assert(sizeof(TYPEATTR) == 96 && offsetof(TYPEATTR, typekind) == 44);
+static_assert(offsetof(TYPEATTR, tdescAlias) == 64);
 
 /// The attributes of a type library.
 struct TLIBATTR {
@@ -159,6 +165,7 @@ struct TLIBATTR {
     std::uint16_t wMinorVerNum;
     std::uint16_t wLibFlags;
 };
+static_assert(sizeof(TLIBATTR) == 32 && offsetof(TLIBATTR, wMajorVerNum) == 24);
 
 struct ITypeLib;
 struct ITypeComp;

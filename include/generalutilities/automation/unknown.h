@@ -45,6 +45,7 @@ struct DISPPARAMS {
     std::uint32_t cArgs;
     std::uint32_t cNamedArgs;
 };
+static_assert(sizeof(DISPPARAMS) == 24 && offsetof(DISPPARAMS, cNamedArgs) == 20);
 
 /// What a failing method reported; the strings belong to the caller.
 struct EXCEPINFO {
@@ -58,6 +59,8 @@ struct EXCEPINFO {
     HRESULT (*pfnDeferredFillIn)(EXCEPINFO*);
     HRESULT scode;
 };
+static_assert(sizeof(EXCEPINFO) == 64 && offsetof(EXCEPINFO, bstrSource) == 8);
+static_assert(offsetof(EXCEPINFO, dwHelpContext) == 32 && offsetof(EXCEPINFO, scode) == 56);
 
 /// Late binding: members by name, and calls with arguments that carry their types.
 struct IDispatch : IUnknown {
@@ -123,6 +126,7 @@ struct CONNECTDATA {
     IUnknown* pUnk;
     std::uint32_t dwCookie;
 };
+static_assert(sizeof(CONNECTDATA) == 16);
 
 /// Walks the sinks of a connection point.
 struct IEnumConnections : IUnknown {

@@ -30,7 +30,7 @@ using CLSID = GUID;
 using REFIID = const GUID&;
 using REFCLSID = const GUID&;
 using REFGUID = const GUID&;
-static_assert(sizeof(GUID) == 16);
+static_assert(sizeof(GUID) == 16 && alignof(GUID) == 4 && offsetof(GUID, Data4) == 8);
 
 inline constexpr GUID GUID_NULL{};
 
@@ -135,7 +135,9 @@ struct SAFEARRAY {
     void* pvData;
     SAFEARRAYBOUND rgsabound[1];
 };
-static_assert(offsetof(SAFEARRAY, pvData) == 16 && offsetof(SAFEARRAY, rgsabound) == 24);
+static_assert(offsetof(SAFEARRAY, fFeatures) == 2 && offsetof(SAFEARRAY, cbElements) == 4);
+static_assert(offsetof(SAFEARRAY, cLocks) == 8 && offsetof(SAFEARRAY, pvData) == 16);
+static_assert(sizeof(SAFEARRAYBOUND) == 8 && offsetof(SAFEARRAY, rgsabound) == 24);
 
 /// A value that carries its type. `vt` says which member of the union holds.
 struct VARIANT {
@@ -189,5 +191,6 @@ struct tagRECT {
     std::int32_t right;
     std::int32_t bottom;
 };
+static_assert(sizeof(tagRECT) == 16 && offsetof(tagRECT, bottom) == 12);
 
 }  // namespace generalutilities
