@@ -11,7 +11,7 @@ namespace {
 constexpr char16_t Replacement = 0xFFFD;
 
 /// How far to go by rows before looking for ASCII again: rows are fast with ASCII, too.
-constexpr std::size_t RowRun = 256;
+constexpr std::size_t RowRun = 1024;
 
 std::array<char16_t, 256> Characters(const PageContent& page) {
     auto characters = page.single;
