@@ -67,7 +67,7 @@ def project_rows():
 
 def write_project(path):
     with open(path, "w", encoding="utf-8", newline="") as file:
-        table = csv.writer(file, lineterminator="\n", quoting=csv.QUOTE_ALL)
+        table = csv.writer(file, "excel-tab", lineterminator="\n", quoting=csv.QUOTE_ALL)
         table.writerow(
             ["id", "file", "source", "target:fr-FR", "target:ar-SA", "comment:fr-FR", "status:fr-FR"]
         )
@@ -760,11 +760,11 @@ def main(arguments):
     genutil = Path(arguments[0]).resolve() / "cli" / "genutil"
     names = arguments[1:] or [*FILES, *BILINGUAL_FILES]
     OUT.mkdir(parents=True, exist_ok=True)
-    write_project(OUT / "project.csv")
+    write_project(OUT / "project.tsv")
     with tempfile.TemporaryDirectory() as name:
         folder = Path(name)
         subprocess.run(
-            [genutil, "project", "create", folder / "sample.project", OUT / "project.csv", "--source",
+            [genutil, "project", "create", folder / "sample.project", OUT / "project.tsv", "--source",
              "en-US"],
             check=True, stdout=subprocess.DEVNULL,
         )  # fmt: skip

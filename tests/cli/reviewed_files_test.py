@@ -30,7 +30,7 @@ class Reviewed:
         self.file, self.folder = file, folder
         self.expected = json.loads(file.with_suffix(".json").read_text(encoding="utf-8"))
         self.language = "ar-SA" if file.stem == "right-to-left" else "fr-FR"
-        self.genutil("project", "create", "a.project", FILES / "project.csv", "--json")
+        self.genutil("project", "create", "a.project", FILES / "project.tsv", "--json")
 
     def genutil(self, *words):
         """The JSON document that a command prints, and its exit code."""
