@@ -51,10 +51,14 @@ class comparison:
     """
 
     def __init__(self, function: Callable[[Any, Any], float], element: type = str) -> None:
+        if not callable(function):
+            raise TypeError("a comparison is made of a function that can be called")
         if element is str:
             def read(address):
                 return runtime.read_string(c_void_p.from_address(address).value)
         else:
+            ctypes.sizeof(element)  # only types of ctypes have one
+
             def read(address):
                 found = element.from_address(address)
                 return getattr(found, "value", found)

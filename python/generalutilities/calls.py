@@ -7,6 +7,7 @@ and [in,out] parameters, in their order. A negative answer (S_FALSE) is None whe
 result, and False for a method without one.
 """
 
+import array
 import ctypes
 import struct
 from collections.abc import Callable, Mapping
@@ -109,7 +110,7 @@ class Call:
                     raise ArgumentError(_TYPE_MISMATCH, str(unpassable),
                                         f"{self.source}, argument {parameter.name}") from None
             if self.memory is not None:
-                self._check_memory(*(arguments[index] for index in self.memory))
+                self._check_memory(arguments)
             status = instance._invoke(reference, self.identifier, _NO_IID, _NO_LOCALE, self.flags,
                                       frame.parameters, frame.result, frame.exception, frame.bad)
             if status >= 0 and self.result is not None:
@@ -127,12 +128,17 @@ class Call:
                 runtime.VariantClear(base + place)
             self.frames.append(frame)
 
-    def _check_memory(self, memory, size, count):
+    def _check_memory(self, arguments):
         """The library cannot know how much memory there is, and would go beyond it."""
+        memory, size, count = (arguments[index] for index in self.memory)
         held = memoryview(memory).nbytes
         if size < 0 or count < 0 or size * count > held:
             raise ArgumentError(_TYPE_MISMATCH, f"{count} elements of {size} bytes do not fit into "
                                 f"{held} bytes", self.source)
+        for value in arguments:
+            if isinstance(value, callbacks.comparison) and ctypes.sizeof(value.element) > size:
+                raise ArgumentError(_TYPE_MISMATCH, f"elements of {size} bytes are no "
+                                    f"{value.element.__name__}", self.source)
 
     def _give_back(self, buffer, status, kept):
         if status != 0:
@@ -218,7 +224,10 @@ def _store_address(buffer, place, value, parameter, owned, kept):
     """`void*` and records: the address of the caller's memory. A record may come as a tuple."""
     fields = parameter.user_type.variables if parameter.vt == values.VT_RECORD else ()
     if fields and isinstance(value, (tuple, list)) and len(value) == len(fields):
-        value = (c_int32 * len(fields))(*value)
+        try:
+            value = array.array("i", value)
+        except (OverflowError, TypeError) as error:
+            raise Unpassable(str(error)) from None
     try:
         memory = (ctypes.c_char * memoryview(value).nbytes).from_buffer(value)
     except TypeError:

@@ -260,6 +260,8 @@ def wrap(interface):
 
 def create(name):
     """A new object of a class: by its name in the library ("StringUtils") or by a ProgID."""
+    if not isinstance(name, str):
+        raise TypeError("an object is created by the name of its class")
     described = type_information.types().get(name.removeprefix("GeneralUtilities.").removesuffix(".1"))
     if described is not None and described.kind == CLASS:
         clsid = described.guid
