@@ -8,42 +8,57 @@
 #include <algorithm>
 #include <cctype>
 #include <list>
-#include <optional>
 #include <random>
-#include <variant>
+#include <tuple>
 #include <vector>
 
 namespace generalutilities {
 namespace {
 
-/// A key of the plain dictionary: a 32-bit integer, a yes/no value or an ASCII text.
-using Key = std::variant<std::int32_t, bool, std::string>;
+/// A key of the plain dictionary: by kind a 32-bit integer, a yes/no value or an ASCII text.
+struct Key {
+    enum Kind { Number, Flag, Text } kind;
+    std::int32_t number = 0;
+    std::string text;
+
+    bool operator==(const Key&) const = default;
+    std::uint32_t Hash() const {
+        auto hash = static_cast<std::uint32_t>(number);
+        for (const char c : text) {
+            hash = hash * 5 + static_cast<unsigned char>(c);
+        }
+        return hash;
+    }
+};
+
+/// Whether `a` stands before `b`: numbers, texts without regard to case and then with it. Yes/no
+/// values compare with their kind alone, no before yes.
+bool Less(const Key& a, const Key& b) {
+    const auto order = [](const Key& key) {
+        std::string lower = key.text;
+        std::transform(lower.begin(), lower.end(), lower.begin(), ::tolower);
+        return std::tuple(key.kind == Key::Flag ? -key.number : key.number, lower, key.text);
+    };
+    return a.kind == b.kind ? order(a) < order(b) : a.kind == Key::Number && b.kind == Key::Text;
+}
 
 VARIANT ToVariant(const Key& key) {
-    VARIANT value{};
-    if (const auto* number = std::get_if<std::int32_t>(&key)) {
-        value.vt = VT_I4;
-        value.lVal = *number;
-    } else if (const auto* flag = std::get_if<bool>(&key)) {
-        value.vt = VT_BOOL;
-        value.boolVal = *flag ? VARIANT_TRUE : VARIANT_FALSE;
-    } else {
-        const std::string& text = std::get<std::string>(key);
+    VARIANT value = key.kind == Key::Flag ? Of(VT_BOOL, key.number) : Long(key.number);
+    if (key.kind == Key::Text) {
         value.vt = VT_BSTR;
-        value.bstrVal = Bstr(std::u16string(text.begin(), text.end())).Release();
+        value.bstrVal = Bstr(std::u16string(key.text.begin(), key.text.end())).Release();
     }
     return value;
 }
 
 Key FromVariant(const VARIANT& value) {
-    if (value.vt == VT_I4) {
-        return value.lVal;
-    }
-    if (value.vt == VT_BOOL) {
-        return value.boolVal != 0;
+    if (value.vt != VT_BSTR) {
+        return {value.vt == VT_I4 ? Key::Number : Key::Flag,
+                value.vt == VT_I4 ? value.lVal : value.boolVal,
+                {}};
     }
     const std::u16string_view text(value.bstrVal, SysStringLen(value.bstrVal));
-    return std::string(text.begin(), text.end());
+    return {Key::Text, 0, std::string(text.begin(), text.end())};
 }
 
 class PlainDictionary {
@@ -67,21 +82,18 @@ class PlainDictionary {
             return;
         }
         Insert({key, item});
-        if (Entries().size() > 4 * buckets.size()) {
-            const std::vector<Entry> all = Entries();
-            buckets = std::vector<Bucket>(buckets.size() * 8);
+        if (const std::vector<Entry> all = Entries(); all.size() > 4 * buckets.size()) {
+            buckets = std::vector<std::list<Entry>>(buckets.size() * 8);
             order.clear();
-            for (const Entry& entry : all) {
-                Insert(entry);
-            }
+            std::for_each(all.begin(), all.end(), [this](const Entry& entry) { Insert(entry); });
         }
     }
     void Remove(const Key& key) {
         if (Entry* const found = Find(key)) {
-            Bucket& bucket = BucketOf(key);
+            auto& bucket = BucketOf(key);
             bucket.remove_if([found](const Entry& entry) { return &entry == found; });
             if (bucket.empty()) {
-                order.remove(Number(key));
+                order.remove(&bucket);
             }
         }
     }
@@ -95,57 +107,26 @@ class PlainDictionary {
     }
     std::vector<Entry> Entries() const {
         std::vector<Entry> all;
-        for (const std::size_t number : order) {
-            all.insert(all.end(), buckets[number].begin(), buckets[number].end());
+        for (const auto* bucket : order) {
+            all.insert(all.end(), bucket->begin(), bucket->end());
         }
         return all;
     }
 
   private:
-    using Bucket = std::list<Entry>;
-
-    static std::uint32_t Hash(const Key& key) {
-        if (const auto* text = std::get_if<std::string>(&key)) {
-            std::uint32_t hash = 0;
-            for (const char c : *text) {
-                hash = hash * 5 + static_cast<unsigned char>(c);
-            }
-            return hash;
-        }
-        const auto* number = std::get_if<std::int32_t>(&key);
-        return number != nullptr     ? static_cast<std::uint32_t>(*number)
-               : std::get<bool>(key) ? 0xFFFFFFFF
-                                     : 0;
-    }
-    static bool Less(const Key& a, const Key& b) {
-        if (a.index() != b.index()) {
-            return a.index() == 0 && b.index() == 2;
-        }
-        if (a.index() != 2) {
-            return a < b;  // no before yes
-        }
-        const auto lower = [](std::string text) {
-            std::transform(text.begin(), text.end(), text.begin(), ::tolower);
-            return text;
-        };
-        const std::string& left = std::get<std::string>(a);
-        const std::string& right = std::get<std::string>(b);
-        return std::pair(lower(left), left) < std::pair(lower(right), right);
-    }
-    std::size_t Number(const Key& key) const { return Hash(key) % buckets.size(); }
-    Bucket& BucketOf(const Key& key) { return buckets[Number(key)]; }
+    std::list<Entry>& BucketOf(const Key& key) { return buckets[key.Hash() % buckets.size()]; }
     void Insert(const Entry& entry) {
-        Bucket& bucket = BucketOf(entry.key);
+        auto& bucket = BucketOf(entry.key);
         if (bucket.empty()) {
-            order.push_back(Number(entry.key));
+            order.push_back(&bucket);
         }
         bucket.insert(std::find_if(bucket.begin(), bucket.end(),
                                    [&](const Entry& each) { return Less(entry.key, each.key); }),
                       entry);
     }
 
-    std::vector<Bucket> buckets{8};
-    std::list<std::size_t> order;  ///< the numbers of the buckets that hold something
+    std::vector<std::list<Entry>> buckets{8};
+    std::list<const std::list<Entry>*> order;  ///< the buckets that hold something
 };
 
 class DictionaryTest : public testing::Test {
@@ -184,18 +165,17 @@ TEST_F(DictionaryTest, KeepsTheOrderThatFollowsFromTheOperations) {
     const auto randomKey = [&random]() -> Key {
         switch (random() % 8) {
             case 0:
-                return random() % 2 == 0;
+                return {Key::Flag, random() % 2 == 0 ? VARIANT_TRUE : VARIANT_FALSE, {}};
             case 1:
             case 2:
             case 3: {
-                std::string text(random() % 4, ' ');
-                for (char& c : text) {
-                    c = "aAbB_[zZ"[random() % 8];
-                }
-                return text;
+                Key key{Key::Text, 0, std::string(random() % 4, ' ')};
+                std::generate(key.text.begin(), key.text.end(),
+                              [&random] { return "aAbB_[zZ"[random() % 8]; });
+                return key;
             }
             default:
-                return static_cast<std::int32_t>(random() % 2000) - 1000;
+                return {Key::Number, static_cast<std::int32_t>(random() % 2000) - 1000, {}};
         }
     };
     for (int round = 0; round < 20; ++round) {
