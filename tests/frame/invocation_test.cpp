@@ -1,72 +1,24 @@
-// Late binding, on objects of the test's own that record what reaches them.
+// Late binding, on the objects of the library.
 
+#include <generalutilities/interfaces/class_ids.h>
+#include <generalutilities/interfaces/collections.h>
 #include <generalutilities/interfaces/ext_view_helper.h>
+#include <generalutilities/interfaces/string_utils.h>
 
-#include "frame/error_reporting.h"
-#include "test_class.h"
 #include "values.h"
-
-#include <map>
 
 namespace generalutilities {
 namespace {
 
-VARTYPE lastType = VT_EMPTY;
-
-/// A dictionary whose keys and items are long integers.
-class Dictionary : public TestClass<IQLNDictionary, DescribeQLNDictionary> {
-  public:
-    HRESULT Add(VARIANT* key, VARIANT* item) noexcept override { return put_Item(key, item); }
-    HRESULT get_CompareMode(qlnCompareMethod* m) noexcept override { return Give(m, mode); }
-    HRESULT put_CompareMode(qlnCompareMethod value) noexcept override { return Give(&mode, value); }
-    HRESULT get_Count(std::int32_t* count) noexcept override { return Give(count, 0); }
-    HRESULT Exists(VARIANT*, VARIANT_BOOL*) noexcept override { return S_FALSE; }
-    HRESULT get_Item(VARIANT* key, VARIANT* value) noexcept override {
-        return Give(value, Long(items[key->lVal]));
-    }
-    HRESULT put_Item(VARIANT* key, VARIANT* value) noexcept override {
-        lastType = key->vt;
-        return Give(&items[key->lVal], value->lVal);
-    }
-    HRESULT Items(VARIANT*) noexcept override { return E_NOTIMPL; }
-    HRESULT get_Key(VARIANT*, VARIANT*) noexcept override { return E_NOTIMPL; }
-    HRESULT put_Key(VARIANT*, VARIANT*) noexcept override { return E_NOTIMPL; }
-    HRESULT Keys(VARIANT*) noexcept override { return E_NOTIMPL; }
-    HRESULT Remove(VARIANT*) noexcept override {
-        return ReportError(GUID_NULL, u"cannot remove", IID_IQLNDictionary, E_FAIL);
-    }
-    HRESULT RemoveAll() noexcept override { return E_OUTOFMEMORY; }
-
-  private:
-    std::map<std::int32_t, std::int32_t> items;
-    qlnCompareMethod mode = dctmBinaryCompare;
+class InvokeTest : public testing::Test {
+  protected:
+    ComPtr<IDispatch> dictionary = Create<IDispatch>(CLSID_qlnDictionary, IID_IDispatch);
+    ComPtr<IDispatch> sort = Create<IDispatch>(CLSID_QLNSort, IID_IDispatch);
+    ComPtr<IDispatch> utils = Create<IDispatch>(CLSID_StringUtils, IID_IDispatch);
+    ComPtr<IDispatch> stack = Create<IDispatch>(CLSID_LongStack, IID_IDispatch);
 };
 
-class Sorter : public TestClass<IQLNSort, DescribeQLNSort> {
-  public:
-    HRESULT Sort(void* data, std::int32_t, std::int32_t, std::int32_t) noexcept override {
-        return Give(static_cast<std::int32_t*>(data), 99);
-    }
-    /// Replaces the array by one whose only text is as long as the array was.
-    HRESULT StringSort(SAFEARRAY** array, std::int32_t handle) noexcept override {
-        std::int32_t upper = -1, zero = 0;
-        SafeArrayGetUBound(*array, 1, &upper);
-        SafeArrayDestroy(*array);
-        *array = SafeArrayCreateVector(VT_BSTR, 0, 1);
-        const Bstr text(std::u16string(static_cast<std::size_t>(upper + 1), u'x'));
-        SafeArrayPutElement(*array, &zero, text.Get());
-        return handle == 0 ? S_FALSE : S_OK;
-    }
-};
-
-template <class Class>
-ComPtr<IDispatch> Make() {
-    ComPtr<IDispatch> object;
-    EXPECT_EQ(CreateStandalone<Class>(nullptr, IID_IDispatch, object.OutVoid()), S_OK);
-    return object;
-}
-
-TEST(InvokeTest, CountsAndNamesArgumentsAndTellsPropertiesApart) {
+TEST_F(InvokeTest, CountsAndNamesArgumentsAndTellsPropertiesApart) {
     constexpr std::uint16_t Method = DISPATCH_METHOD, Get = DISPATCH_PROPERTYGET;
     const VARIANT missing = Of(VT_ERROR, DISP_E_PARAMNOTFOUND);
     const struct {
@@ -75,7 +27,7 @@ TEST(InvokeTest, CountsAndNamesArgumentsAndTellsPropertiesApart) {
         std::vector<VARIANT> arguments;
         std::vector<DISPID> names;
         HRESULT status;
-        std::int32_t result = 0;          ///< of a call that gives one
+        std::int32_t result = -1;         ///< of a call that gives one
         std::uint32_t badArgument = 777;  ///< counted from the last argument
     } calls[] = {
         {5, DISPATCH_PROPERTYPUT, {Long(7), Long(70)}, {DISPID_PROPERTYPUT}, S_OK},
@@ -84,17 +36,16 @@ TEST(InvokeTest, CountsAndNamesArgumentsAndTellsPropertiesApart) {
         {5, Method, {Long(7)}, {}, DISP_E_MEMBERNOTFOUND},
         {99, Method, {}, {}, DISP_E_MEMBERNOTFOUND},
         {2, DISPATCH_PROPERTYPUTREF, {Long(2)}, {DISPID_PROPERTYPUT}, S_OK},
-        {2, Get, {}, {}, S_OK, dctmDatabaseCompare},  // an enumeration travels as a long
+        {2, Get, {}, {}, S_OK, dctmBinaryCompare},  // an enumeration travels as a long
         {1, Method, {Long(1), Long(2), Long(3)}, {}, DISP_E_BADPARAMCOUNT},
-        {1, Method, {Long(1)}, {}, DISP_E_PARAMNOTOPTIONAL, 0, 0},
-        {1, Method, {missing, Long(1)}, {}, DISP_E_PARAMNOTOPTIONAL, 0, 1},
+        {1, Method, {Long(1)}, {}, DISP_E_PARAMNOTOPTIONAL, -1, 0},
+        {1, Method, {missing, Long(1)}, {}, DISP_E_PARAMNOTOPTIONAL, -1, 1},
         {1, Method, {Long(60), Long(6)}, {1, 0}, S_OK},  // item first, key second
         {5, Get, {Long(6)}, {}, S_OK, 60},
-        {1, Method, {Long(1), Long(2)}, {5}, DISP_E_PARAMNOTFOUND, 0, 0},
-        {1, Method, {Long(1), Long(2)}, {0}, DISP_E_PARAMNOTFOUND, 0, 0},  // the key twice
-        {4, Method, {Long(1)}, {}, S_FALSE},
+        {1, Method, {Long(1), Long(2)}, {5}, DISP_E_PARAMNOTFOUND, -1, 0},
+        {1, Method, {Long(1), Long(2)}, {0}, DISP_E_PARAMNOTFOUND, -1, 0},  // the key twice
+        {3, Get, {}, {}, S_OK, 2},
     };
-    const auto dictionary = Make<Dictionary>();
     for (const auto& call : calls) {
         SCOPED_TRACE(&call - calls);
         const Answer answer =
@@ -102,10 +53,8 @@ TEST(InvokeTest, CountsAndNamesArgumentsAndTellsPropertiesApart) {
                  call.arguments, call.names);
         EXPECT_EQ(answer.status, call.status);
         EXPECT_EQ(answer.badArgument, call.badArgument);
-        if (call.result != 0) {
-            EXPECT_EQ(answer.result.vt, VT_I4);
-            EXPECT_EQ(answer.result.lVal, call.result);
-        }
+        EXPECT_EQ(answer.result.vt, call.result < 0 ? VT_EMPTY : VT_I4);
+        EXPECT_EQ(answer.result.lVal, std::max(call.result, 0));
     }
     DISPPARAMS none{nullptr, nullptr, 0, 0}, lying{nullptr, nullptr, 1, 0};
     const auto plain = [&](DISPID member, std::uint16_t flags, REFIID iid, DISPPARAMS* arguments) {
@@ -117,56 +66,111 @@ TEST(InvokeTest, CountsAndNamesArgumentsAndTellsPropertiesApart) {
     EXPECT_EQ(plain(9, Method, GUID_NULL, &lying), E_INVALIDARG);
 }
 
-TEST(InvokeTest, ReportsReachTheCaller) {
-    const auto dictionary = Make<Dictionary>();
-    const Answer reported = Call(dictionary.Get(), 9, DISPATCH_METHOD, {Long(1)});
+TEST_F(InvokeTest, ReportsReachTheCaller) {
+    const Bstr text(u"x");
+    BSTR source = text.Get();
+    std::int32_t last = 0;
+    SAFEARRAY *numbers = nullptr, *contents = nullptr;
+    const Answer reported =
+        Call(utils.Get(), 14, DISPATCH_METHOD,
+             {Ref(VT_BSTR, &source), Of(VT_NULL), Ref(VT_I4, &last),
+              Ref(VT_ARRAY | VT_I4, &numbers), Ref(VT_ARRAY | VT_BSTR, &contents)});
     EXPECT_EQ(reported.status, DISP_E_EXCEPTION);
     EXPECT_EQ(reported.exception.scode, E_FAIL);
-    EXPECT_EQ(std::u16string(reported.exception.bstrDescription), u"cannot remove");
+    EXPECT_EQ(std::u16string(reported.exception.bstrDescription), u"No dictionary passed");
     SysFreeString(reported.exception.bstrDescription);
+    EXPECT_EQ(std::u16string(reported.exception.bstrSource), u"GeneralUtilities.StringUtils.1");
+    SysFreeString(reported.exception.bstrSource);
 
-    ReportError(GUID_NULL, u"stale", IID_IQLNDictionary, E_FAIL);
-    const Answer silent = Call(dictionary.Get(), 10, DISPATCH_METHOD);
-    EXPECT_EQ(silent.exception.scode, E_OUTOFMEMORY);
+    static_cast<IStringUtils*>(utils.Get())
+        ->SerializeCodes(&source, nullptr, &last, &numbers, &contents);
+    const Answer silent = Call(stack.Get(), 2, DISPATCH_METHOD);
+    EXPECT_EQ(silent.status, DISP_E_EXCEPTION);
+    EXPECT_EQ(silent.exception.scode, E_FAIL);
     EXPECT_EQ(silent.exception.bstrDescription, nullptr) << "an earlier report is not this call's";
 }
 
-TEST(InvokeTest, ReferencesReachWhatTheyReferTo) {
-    const auto dictionary = Make<Dictionary>();
+std::int32_t CompareBackwards(const void* left, const void* right) {
+    return **static_cast<const BSTR*>(right) - **static_cast<const BSTR*>(left);
+}
+std::int32_t Compare(const void* left, const void* right) {
+    return *static_cast<const std::int32_t*>(left) - *static_cast<const std::int32_t*>(right);
+}
+
+TEST_F(InvokeTest, ReferencesReachWhatTheyReferTo) {
     VARIANT key = Of(VT_UI4, 3);
     EXPECT_EQ(Call(dictionary.Get(), 1, DISPATCH_METHOD, {Ref(VT_VARIANT, &key), Long(30)}).status,
               S_OK);
-    EXPECT_EQ(lastType, VT_UI4) << "a variant argument is handed on as it is";
+    Answer keys = Call(dictionary.Get(), 8, DISPATCH_METHOD);
+    EXPECT_EQ(static_cast<VARIANT*>(keys.result.parray->pvData)->vt, VT_UI4)
+        << "handed on as it is";
+    VariantClear(&keys.result);
 
-    const auto sorter = Make<Sorter>();
-    const auto sort = [&](VARIANT array, std::int32_t handle) {
-        return Call(sorter.Get(), 2, DISPATCH_METHOD, {array, Long(handle)});
+    const std::int32_t texts = HandleFromPointer(reinterpret_cast<void*>(CompareBackwards));
+    const std::int32_t numbers = HandleFromPointer(reinterpret_cast<void*>(Compare));
+    const auto sorted = [&](VARIANT array, std::int32_t handle) {
+        return Call(sort.Get(), 2, DISPATCH_METHOD, {array, Long(handle)}).status;
     };
     VARIANT holder = Of(VT_ARRAY | VT_BSTR);
-    holder.parray = SafeArrayCreateVector(VT_BSTR, 0, 3);
-    const auto text = [&] { return std::u16string(*static_cast<BSTR*>(holder.parray->pvData)); };
-    EXPECT_EQ(sort(Ref(VT_ARRAY | VT_BSTR, &holder.parray), 0).status, S_FALSE);
-    EXPECT_EQ(text(), u"xxx");
-    EXPECT_EQ(sort(Ref(VT_VARIANT, &holder), 1).status, S_OK);
-    EXPECT_EQ(text(), u"x");
+    holder.parray = SafeArrayCreateVector(VT_BSTR, 0, 2);
+    const auto text = [&](std::size_t i) -> BSTR& {
+        return static_cast<BSTR*>(holder.parray->pvData)[i];
+    };
+    text(0) = SysAllocString(u"a");
+    text(1) = SysAllocString(u"b");
+    EXPECT_EQ(sorted(Ref(VT_ARRAY | VT_BSTR, &holder.parray), 0), S_FALSE);
+    EXPECT_EQ(*text(0), u'a');
+    EXPECT_EQ(sorted(holder, texts), S_OK);
+    EXPECT_EQ(*text(0), u'a') << "a copy was sorted";
+    EXPECT_EQ(sorted(Ref(VT_VARIANT, &holder), texts), S_OK);
+    EXPECT_EQ(*text(0), u'b');
+    std::swap(text(0), text(1));
+    EXPECT_EQ(sorted(Ref(VT_ARRAY | VT_BSTR, &holder.parray), texts), S_OK);
+    EXPECT_EQ(*text(0), u'b');
     VariantClear(&holder);
 
-    SAFEARRAY* numbers = SafeArrayCreateVector(VT_I4, 0, 1);
-    const Answer mismatch = sort(Ref(VT_ARRAY | VT_I4, &numbers), 0);
-    EXPECT_EQ(mismatch.status, DISP_E_TYPEMISMATCH);
-    EXPECT_EQ(mismatch.badArgument, 1u);
-    SafeArrayDestroy(numbers);
-
-    std::int32_t data = 0;
+    std::int32_t data[] = {2, 1};
+    SAFEARRAY* wrong = SafeArrayCreateVector(VT_I4, 0, 1);
+    EXPECT_EQ(sorted(Ref(VT_ARRAY | VT_I4, &wrong), texts), DISP_E_TYPEMISMATCH);
+    SafeArrayDestroy(wrong);
     for (const auto& [place, status] :
-         {std::pair{Ref(VT_I4, &data), S_OK}, {Long(5), HRESULT{DISP_E_TYPEMISMATCH}}}) {
-        EXPECT_EQ(Call(sorter.Get(), 1, DISPATCH_METHOD, {place, Long(4), Long(1), Long(0)}).status,
-                  status);
+         {std::pair{Long(5), HRESULT{DISP_E_TYPEMISMATCH}}, {Ref(VT_I4, &data), S_OK}}) {
+        EXPECT_EQ(data[0], 2);
+        const Answer answer =
+            Call(sort.Get(), 1, DISPATCH_METHOD, {place, Long(4), Long(2), Long(numbers)});
+        EXPECT_EQ(answer.status, status);
+        EXPECT_EQ(answer.badArgument, status == S_OK ? 777u : 3u);
     }
-    EXPECT_EQ(data, 99);
+    EXPECT_EQ(data[0], 1);
+    ReleaseHandle(texts);
+    ReleaseHandle(numbers);
 }
 
-TEST(DescriptionTest, NamesAreFoundInAnyCase) {
+/// By-reference long and enumeration, defaults, named arguments.
+TEST_F(InvokeTest, ConvertsThereAndBack) {
+    const Bstr text(u"one two");
+    std::int32_t position = 1;
+    VARIANT type = Of(VT_BSTR);  // of another type than the argument
+    type.bstrVal = SysAllocString(u"2");
+    Answer answer =
+        Call(utils.Get(), 19, DISPATCH_METHOD,
+             {Ref(VT_I4, &position), Borrowed(text), Of(VT_I2, 1033), Ref(VT_VARIANT, &type)});
+    ASSERT_EQ(answer.status, S_OK);
+    EXPECT_EQ(TakeText(answer.result), u"one");
+    EXPECT_EQ(position, 4);
+    EXPECT_EQ(type.vt, VT_I4);
+    EXPECT_EQ(type.lVal, qlnwtWord);
+
+    // The language by name; the size takes its default.
+    answer = Call(utils.Get(), 21, DISPATCH_METHOD, {Borrowed(text), Long(1033)}, {1});
+    EXPECT_EQ(TakeText(answer.result), u"one two");
+    answer = Call(utils.Get(), 21, DISPATCH_METHOD, {Borrowed(text), Long(1033), Borrowed(text)});
+    EXPECT_EQ(answer.status, DISP_E_TYPEMISMATCH);
+    EXPECT_EQ(answer.badArgument, 0u);
+}
+
+TEST_F(InvokeTest, FindsNamesInAnyCase) {
+    const auto helper = Create<IDispatch>(CLSID_ExtViewHelper, IID_IDispatch);
     const struct {
         std::vector<std::u16string> names;
         HRESULT status;
@@ -183,8 +187,8 @@ TEST(DescriptionTest, NamesAreFoundInAnyCase) {
             pointers.push_back(name.data());
         }
         std::vector<DISPID> found(pointers.size(), 4711);
-        EXPECT_EQ(FindIds(DescribeExtViewHelper(), pointers.data(),
-                          static_cast<std::uint32_t>(found.size()), found.data()),
+        EXPECT_EQ(helper->GetIDsOfNames(GUID_NULL, pointers.data(),
+                                        static_cast<std::uint32_t>(found.size()), 0, found.data()),
                   test.status);
         EXPECT_EQ(found, test.ids);
     }

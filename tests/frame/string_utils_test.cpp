@@ -1,4 +1,4 @@
-// `StringUtils` as a client sees it: directly and through `Invoke`.
+// What `StringUtils` draws lots for, and what it finds in other modules.
 
 #include <generalutilities/automation/string_table.h>
 #include <generalutilities/interfaces/class_ids.h>
@@ -30,29 +30,6 @@ TEST_F(StringUtilsTest, GeneratesTextOfAScript) {
     for (const char16_t unit : text.View()) {
         ASSERT_TRUE(unit >= 0x1680 && unit <= 0x169F) << static_cast<int>(unit);
     }
-}
-
-/// Late-bound ParseString: by-reference long and enumeration, defaults, named arguments.
-TEST_F(StringUtilsTest, AnswersTheSameThroughInvoke) {
-    const Bstr text(u"one two");
-    std::int32_t position = 1;
-    VARIANT type = Of(VT_BSTR);  // of another type than the argument: converted there and back
-    type.bstrVal = SysAllocString(u"2");
-    Answer answer =
-        Call(utils.Get(), 19, DISPATCH_METHOD,
-             {Ref(VT_I4, &position), Borrowed(text), Of(VT_I2, 1033), Ref(VT_VARIANT, &type)});
-    ASSERT_EQ(answer.status, S_OK);
-    EXPECT_EQ(TakeText(answer.result), u"one");
-    EXPECT_EQ(position, 4);
-    EXPECT_EQ(type.vt, VT_I4);
-    EXPECT_EQ(type.lVal, qlnwtWord);
-
-    // The language by name; the size takes its default.
-    answer = Call(utils.Get(), 21, DISPATCH_METHOD, {Borrowed(text), Long(1033)}, {1});
-    EXPECT_EQ(TakeText(answer.result), u"one two");
-    answer = Call(utils.Get(), 21, DISPATCH_METHOD, {Borrowed(text), Long(1033), Borrowed(text)});
-    EXPECT_EQ(answer.status, DISP_E_TYPEMISMATCH);
-    EXPECT_EQ(answer.badArgument, 0u);
 }
 
 TEST_F(StringUtilsTest, TellsAMissingTextFromAMissingBlock) {
