@@ -17,6 +17,7 @@ namespace {
 
 constexpr std::string_view Root = "HKEY_CLASSES_ROOT\\";
 constexpr std::string_view AutomationMarshaler = "{00020424-0000-0000-C000-000000000046}";
+constexpr std::string_view DispatchMarshaler = "{00020420-0000-0000-C000-000000000046}";
 
 /// Names and help strings of the library are plain ASCII.
 std::string Narrow(std::u16string_view text) {
@@ -65,6 +66,10 @@ std::string LibraryKey() {
     return std::string(Root) + "TypeLib\\" + GuidText(LIBID_GeneralUtilities);
 }
 
+std::string VersionKey() {
+    return LibraryKey() + "\\1.0";
+}
+
 std::string InterfaceKey(const InterfaceDescription& interface) {
     return std::string(Root) + "Interface\\" + GuidText(interface.iid);
 }
@@ -80,7 +85,7 @@ void ForEachInterface(const TypeLibraryDescription& library, Action&& action) {
 
 void RegisterTypeLibrary(registry::Tree& tree, const std::string& module) {
     const TypeLibraryDescription& library = OwnTypeLibrary();
-    const std::string version = LibraryKey() + "\\1.0";
+    const std::string version = VersionKey();
     tree.Set(version, "", Narrow(library.help));
     tree.Set(version + "\\0\\linux64", "", module);
     tree.Set(version + "\\FLAGS", "", "0");
@@ -88,14 +93,18 @@ void RegisterTypeLibrary(registry::Tree& tree, const std::string& module) {
     ForEachInterface(library, [&](const InterfaceDescription& interface) {
         const std::string key = InterfaceKey(interface);
         tree.Set(key, "", Narrow(interface.name));
-        tree.Set(key + "\\ProxyStubClsid32", "", AutomationMarshaler);
+        tree.Set(key + "\\ProxyStubClsid32", "",
+                 interface.IsDual() ? AutomationMarshaler : DispatchMarshaler);
         tree.Set(key + "\\TypeLib", "", GuidText(library.id));
         tree.Set(key + "\\TypeLib", "Version", "1.0");
     });
 }
 
 void UnregisterTypeLibrary(registry::Tree& tree) {
-    tree.RemoveKey(LibraryKey());
+    tree.RemoveKey(VersionKey());
+    if (!tree.HasKeysBelow(LibraryKey())) {  // another version stays
+        tree.RemoveKey(LibraryKey());
+    }
     ForEachInterface(OwnTypeLibrary(), [&](const InterfaceDescription& interface) {
         tree.RemoveKey(InterfaceKey(interface));
     });

@@ -3,10 +3,9 @@
 #include <generalutilities/automation/pointers.h>
 #include <generalutilities/interfaces/class_ids.h>
 
-#include "database/temporary_folder.h"
+#include "case_table.h"
 
 #include <cstdlib>
-#include <gtest/gtest.h>
 #include <sys/wait.h>
 
 namespace generalutilities {
@@ -35,26 +34,20 @@ TEST_F(RegistrationTest, WritesTheKeysOfAllClassesAndTakesThemAway) {
 
     ASSERT_EQ(DllRegisterServer(), S_OK);
     const std::string registered = ReadFile(File());
-    const std::string module = std::filesystem::canonical(MODULE_PATH);
-    for (const std::string& expected : std::initializer_list<std::string>{
-             "Windows Registry Editor Version 5.00\n",
-             "[HKEY_CLASSES_ROOT\\GeneralUtilities.ITDReader.1]\n@=\"ITDReader Class\"\n",
-             "[HKEY_CLASSES_ROOT\\GeneralUtilities.ITDReader.1\\CLSID]\n"
-             "@=\"{951E240C-B79C-474D-B844-049D0F42B933}\"\n",
-             "[HKEY_CLASSES_ROOT\\GeneralUtilities.CodePageHelper\\CurVer]\n"
-             "@=\"GeneralUtilities.CodePageHelper.1\"\n",
-             "[HKEY_CLASSES_ROOT\\CLSID\\{37A4E828-B2E4-439C-A847-C4596892B3E0}]\n"
-             "@=\"CodePageHelper Class\"\n",
-             "[HKEY_CLASSES_ROOT\\CLSID\\{C53CF962-B65A-4511-862C-19ED5EF1804F}\\InprocServer32]\n"
-             "@=\"" +
-                 module + "\"\n\"ThreadingModel\"=\"Apartment\"\n",
-             "[HKEY_CLASSES_ROOT\\CLSID\\{C53CF962-B65A-4511-862C-19ED5EF1804F}\\Programmable]\n\n",
-             "[HKEY_CLASSES_ROOT\\CLSID\\{659847F7-2B3E-40CB-8AFE-2ED580D7C16B}\\"
-             "VersionIndependentProgID]\n@=\"GeneralUtilities.ITDWriter\"\n",
-             "\\TypeLib]\n@=\"{E394A5B6-1C33-45E9-B842-CE7289EFD9D5}\"\n",
-         }) {
-        EXPECT_NE(registered.find(expected), std::string::npos) << expected;
+    std::string found = registered, listed;
+    const auto replace = [&found](const std::string& what, const std::string& by) {
+        for (std::size_t at; (at = found.find(what)) != found.npos;) {
+            found.replace(at, what.size(), by);
+        }
+    };
+    const std::filesystem::path module = std::filesystem::canonical(MODULE_PATH);
+    replace(module, "{module}");
+    replace(module.parent_path(), "{folder}");
+    replace("\n\n", "\n");
+    for (const auto& row : CaseTable("registered_keys.tsv")) {
+        listed += Bytes(row[0]) + "\n";
     }
+    EXPECT_EQ(found, listed);
     EXPECT_EQ(DllRegisterServer(), S_OK);
     EXPECT_EQ(ReadFile(File()), registered) << "a second registration changes nothing";
 
@@ -88,11 +81,14 @@ TEST_F(RegistrationTest, ADamagedFileIsReportedAndLeftAlone) {
 }
 
 TEST_F(RegistrationTest, OthersKeysSurvive) {
-    const std::string key = "[HKEY_CLASSES_ROOT\\Other]\n\"n\"=dword:00000005\n";
-    WriteRegistry("Windows Registry Editor Version 5.00\n\n" + key);
+    const std::string keys =
+        "[HKEY_CLASSES_ROOT\\Other]\n\"n\"=dword:00000005\n\n[HKEY_CLASSES_ROOT\\TypeLib]\n\n"
+        "[HKEY_CLASSES_ROOT\\TypeLib\\{E394A5B6-1C33-45E9-B842-CE7289EFD9D5}]\n\n"
+        "[HKEY_CLASSES_ROOT\\TypeLib\\{E394A5B6-1C33-45E9-B842-CE7289EFD9D5}\\2.0]\n";
+    WriteRegistry("Windows Registry Editor Version 5.00\n\n" + keys);
     ASSERT_EQ(DllRegisterServer(), S_OK);
     ASSERT_EQ(DllUnregisterServer(), S_OK);
-    EXPECT_NE(ReadFile(File()).find(key), std::string::npos);
+    EXPECT_TRUE(ReadFile(File()).ends_with(keys)) << ReadFile(File());
 }
 
 TEST_F(RegistrationTest, ProgIdsOfOurClassesNeedNoRegistration) {

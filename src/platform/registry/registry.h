@@ -24,6 +24,7 @@ class Tree {
     /// text.
     const std::string* Find(std::string_view key, std::string_view valueName) const;
     bool HasKey(std::string_view key) const;
+    bool HasKeysBelow(std::string_view key) const;
 
     /// Makes a key and the keys above it.
     void AddKey(std::string_view key);

@@ -81,6 +81,12 @@ bool Tree::HasKey(std::string_view key) const {
     return keys.contains(Slot(key));
 }
 
+bool Tree::HasKeysBelow(std::string_view key) const {
+    const std::string below = Slot(key) + '\x01';
+    const auto next = keys.lower_bound(below);
+    return next != keys.end() && next->first.starts_with(below);
+}
+
 void Tree::AddKey(std::string_view key) {
     std::size_t end = 0;
     do {
