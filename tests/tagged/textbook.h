@@ -119,11 +119,15 @@ struct Tag {
 struct Text {
     std::vector<std::u16string> runs;
     std::vector<Tag> tags;
-    std::map<int, int> occurrences;
+
+    int Count(int id) const {
+        return static_cast<int>(
+            std::ranges::count_if(tags, [id](const Tag& tag) { return tag.id == id; }));
+    }
 };
 
-inline bool PairCanMerge(Text& t, int a, int b, int countA, int countB) {
-    const int x = t.occurrences[a], y = t.occurrences[b];
+inline bool PairCanMerge(const Text& t, int a, int b, int countA, int countB) {
+    const int x = t.Count(a), y = t.Count(b);
     if ((x == 0 && y == 0) || (x < countA && y < countB)) {
         return true;
     }
@@ -149,8 +153,8 @@ inline void MergeNeighbours(std::vector<Text>& texts, int& n) {
         for (std::size_t j = 0; j < own.tags.size();) {
             const int a = own.tags[j].id;
             const int b = own.tags[j].joinsNext ? own.tags[j + 1].id : 0;
-            const int countA = own.occurrences[a], countB = own.occurrences[b];
-            if (!own.tags[j].joinsNext || !std::ranges::all_of(texts, [&](Text& t) {
+            const int countA = own.Count(a), countB = own.Count(b);
+            if (!own.tags[j].joinsNext || !std::ranges::all_of(texts, [&](const Text& t) {
                     return PairCanMerge(t, a, b, countA, countB);
                 })) {
                 ++j;
@@ -162,9 +166,6 @@ inline void MergeNeighbours(std::vector<Text>& texts, int& n) {
                     Tag& tag = t.tags[q];
                     Tag& next = t.tags[q + 1];
                     if (tag.id == a && next.id == b && tag.joinsNext) {
-                        --t.occurrences[a];
-                        --t.occurrences[b];
-                        ++t.occurrences[n];
                         tag.text += next.text;
                         tag.joinsNext = next.joinsNext;
                         tag.id = n;
@@ -203,7 +204,6 @@ inline std::map<int, std::u16string> SerializeCodes(const std::vector<TagScan>& 
                     }
                 }
             }
-            ++texts[t].occurrences[tag.id];
         }
     }
     MergeNeighbours(texts, n);
