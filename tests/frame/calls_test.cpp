@@ -4,6 +4,7 @@
 
 #include "case_table.h"
 #include "frame/interface_descriptions.h"
+#include "itd/sample_file.h"
 #include "values.h"
 
 #include <map>
@@ -114,10 +115,16 @@ HRESULT Call(IUnknown* object, const Method& method, std::u16string* cells) {
 TEST(Calls, AnswerAsListed) {
     ComPtr<IUnknown> object;
     std::u16string name;
-    const std::u16string folder = std::filesystem::path(TEST_DATA_DIR).u16string();
+    const TemporaryFolder folder;  // with documents
+    const std::u16string data = std::filesystem::path(TEST_DATA_DIR).u16string();
+    for (const char16_t* const document : {u"a.itd", u"target-first.itd", u"copy.itd"}) {
+        WriteItdFile(folder.Path(document), SampleTextPart(document[0] == u't'));
+    }
     for (auto row : CaseTable("calls.tsv")) {
         for (std::u16string& cell : row) {
-            cell = cell.starts_with(u"{data}") ? folder + cell.substr(6) : cell;
+            cell = cell.starts_with(u"{data}")     ? data + cell.substr(6)
+                   : cell.starts_with(u"{folder}") ? folder.Path(cell.substr(9).c_str())
+                                                   : cell;
         }
         SCOPED_TRACE(testing::PrintToString(row));
         if (!row[0].empty()) {

@@ -7,7 +7,6 @@
 
 #include "frame/without_late_binding.h"
 #include "itd/sample_file.h"
-#include "text/decimal.h"
 #include "values.h"
 
 namespace generalutilities {
@@ -29,65 +28,12 @@ class ItdClassesTest : public testing::Test {
         EXPECT_EQ(DllCanUnloadNow(), S_OK);
     }
 
-    template <class Getter, class... Index>
-    std::u16string Text(Getter getter, Index... index) {
-        Bstr text;
-        return (reader.Get()->*getter)(index..., text.Out()) == S_OK ? text.Text() : u"failed";
-    }
-    /// The current segment.
-    std::u16string Segment() {
-        std::u16string all =
-            Text(&IITDReader::get_SourceText) + u"|" + Text(&IITDReader::get_TargetText);
-        const std::int32_t count = Get(reader, &IITDReader::get_SourceCodeCount);
-        for (std::int32_t i = 0; i < count; ++i) {
-            all += u"|" + CodeString(Text(&IITDReader::get_SourceCode, i), true);
-        }
-        const std::int32_t status = Get(reader, &IITDReader::get_Status);
-        EXPECT_EQ(Get(reader, &IITDReader::get_Score), status / 4.0);
-        return all + u"|" + Decimal(status) + u"|" + Text(&IITDReader::get_Comment);
-    }
     TemporaryFolder folder;
     Bstr path{folder.Path(u"a.itd")};
     Bstr copy{folder.Path(u"b.itd")};
     ComPtr<IITDReader> reader = Create<IITDReader>(CLSID_ITDReader, IID_IITDReader);
     ComPtr<IITDWriter> writer = Create<IITDWriter>(CLSID_ITDWriter, IID_IITDWriter);
 };
-
-TEST_F(ItdClassesTest, ReaderWalksADocument) {
-    for (const bool targetFirst : {false, true}) {
-        WriteItdFile(path.Text(), SampleTextPart(targetFirst));
-        ASSERT_EQ(reader->OpenITDFile(path.Get()), S_OK);
-        EXPECT_EQ(Text(&IITDReader::get_SourceLanguage), u"en-US");
-        EXPECT_EQ(Text(&IITDReader::get_TargetLanguage), u"de-DE");
-        EXPECT_EQ(Get(reader, &IITDReader::get_SegmentCount), 4);
-        EXPECT_EQ(reader->put_EmbeddedCodeID(7), S_OK);
-        EXPECT_EQ(reader->Restart(), S_OK);
-        EXPECT_TRUE(Segment().starts_with(u"one{7}two|eins{7}zwei|"));
-        EXPECT_EQ(Get(reader, &IITDReader::get_EmbeddedCodeID), 8);
-        EXPECT_TRUE(Segment().ends_with(u"||1|Ann: note\r\n"));
-        EXPECT_EQ(Get(reader, &IITDReader::Next), VARIANT_TRUE);
-        EXPECT_EQ(Segment(),
-                  u"a\\{b\\\\||<itbh><pid>0</pid><f2>32</f2><f3>0</f3><sid>2</sid></itbh>||2|");
-        EXPECT_EQ(Get(reader, &IITDReader::get_TargetCodeCount), 2);
-        EXPECT_EQ(Get(reader, &IITDReader::Next), VARIANT_TRUE);
-        EXPECT_EQ(Segment(), u"||<itbh><pid>0</pid><f2>1</f2><f3>0</f3><sid>3</sid></itbh>‹x›|2|");
-        EXPECT_EQ(reader->ReverseLanguages(), S_OK);
-        EXPECT_EQ(Get(reader, &IITDReader::get_More), VARIANT_TRUE);
-        EXPECT_EQ(reader->Restart(), S_OK);
-        EXPECT_TRUE(Segment().starts_with(u"eins{8}zwei|one{8}two|"));
-        for (int i = 0; i < 5; ++i) {
-            EXPECT_EQ(Get(reader, &IITDReader::get_More), i < 3 ? VARIANT_TRUE : VARIANT_FALSE);
-            EXPECT_EQ(Get(reader, &IITDReader::Next), i < 3 ? VARIANT_TRUE : VARIANT_FALSE);
-        }
-        EXPECT_EQ(Get(reader, &IITDReader::get_ExtraInfoCount), 1);
-        EXPECT_TRUE(Text(&IITDReader::get_ExtraInfo, 0).starts_with(u"<?x?><c>"));
-        EXPECT_TRUE(Text(&IITDReader::get_BinaryHeader).starts_with(u"<binheader>00000000"));
-        EXPECT_EQ(Text(&IITDReader::get_BinaryFooter), u"<binfooter>656E64</binfooter>");
-        EXPECT_EQ(reader->CloseFile(), S_OK);
-        EXPECT_EQ(Get(reader, &IITDReader::get_SegmentCount), 0);
-        EXPECT_EQ(Text(&IITDReader::get_SourceLanguage), u"en-US");
-    }
-}
 
 /// A host's own archive manager, which answers with a status of its choice and stores nothing. Of
 /// `IUnknown` it may only be asked to go.
@@ -252,30 +198,6 @@ TEST_F(ItdClassesTest, DamagedFilesAreToldOrWalked) {
         damaged[at] = static_cast<char>(~damaged[at]);
         check(packed(damaged));
     }
-}
-
-TEST_F(ItdClassesTest, WriterPutsTextIntoACopy) {
-    const std::string before = ReadFile(path.Text());
-    ASSERT_EQ(writer->OpenReferenceITD(path.Get()), S_OK);
-    EXPECT_EQ(Get(writer, &IITDWriter::get_SegmentCount), 4);
-    EXPECT_EQ(writer->put_TargetLanguage(Bstr(u"fr").Get()), S_OK);
-    EXPECT_EQ(writer->Next(), S_OK);
-    EXPECT_EQ(writer->put_CodeBeforeSegment(Bstr(u"<itbh><f2>32</f2><sid>2</sid></itbh>").Get()),
-              S_OK);
-    EXPECT_EQ(writer->put_SourceText(Bstr(u"source").Get()), S_OK);
-    EXPECT_EQ(writer->put_TargetText(Bstr(u"target").Get()), S_OK);
-    EXPECT_EQ(writer->Next(), S_OK);
-    WriteFile(copy.Text(), before);
-    EXPECT_EQ(writer->WriteToFile(copy.Get()), S_OK);
-    EXPECT_EQ(ReadFile(path.Text()), before);
-
-    ASSERT_EQ(reader->OpenITDFile(copy.Get()), S_OK);
-    EXPECT_EQ(Text(&IITDReader::get_TargetLanguage), u"fr");
-    EXPECT_EQ(reader->Restart(), S_OK);
-    EXPECT_TRUE(Segment().starts_with(u"one{1}two|eins{1}zwei|"));
-    EXPECT_EQ(Get(reader, &IITDReader::Next), VARIANT_TRUE);
-    EXPECT_TRUE(Segment().starts_with(u"source|target|"));
-    EXPECT_EQ(Get(reader, &IITDReader::get_SegmentCount), 4);
 }
 
 TEST_F(ItdClassesTest, WriterRefusesWhatIsNoCopy) {
