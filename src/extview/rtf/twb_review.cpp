@@ -4,6 +4,7 @@
 
 #include "extview/rtf/twb_review.h"
 
+#include "extview/rtf/control_word.h"
 #include "extview/rtf/hyphens.h"
 
 #include <algorithm>
@@ -293,6 +294,9 @@ void TwbReview::EndSegment() {
     }
     std::reverse(breaks.begin(), breaks.end());
     if (IsBlank(TextOf(text))) {
+        KeepWordAt(!breaks.empty() ? breaks.back().end
+                   : !text.empty() ? text.back().end
+                                   : end.back().end);
         CloseSegment(end.back().end);
         Leave(text);
     } else {
@@ -304,6 +308,19 @@ void TwbReview::EndSegment() {
         CloseSegment(text.back().end);
     }
     Leave(breaks);
+}
+
+/// The reader loses a control word that ends the run of an end mark, which an empty group prevents.
+void TwbReview::KeepWordAt(std::uint32_t at) {
+    while (pager.ByteAt(at) == '\r' || pager.ByteAt(at) == '\n') {
+        ++at;
+    }
+    if (pager.ByteAt(at) == '\\') {
+        const WordKind kind = MeaningOf(ReadControlWord(pager, at + 1, bytes).name).kind;
+        if (kind == WordKind::Style || kind == WordKind::Font || kind == WordKind::Destination) {
+            copy.Insert(end.back().end, "{}");
+        }
+    }
 }
 
 /// A segment is complete at `at`.

@@ -71,6 +71,7 @@ class TwbReview {
     void TakeMark(std::size_t length);
     void TakeEndMark(const Characters& mark);
     void EndSegment();
+    void KeepWordAt(std::uint32_t at);
     void TakeCode();
     void TakeExternal();
     void TakeIdentifier();
