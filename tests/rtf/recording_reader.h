@@ -70,7 +70,7 @@ class RecordingReader : public CRTFReader {
     }
 
   protected:
-    bool OnText(std::u16string& text, std::uint32_t start, std::uint32_t end) override {
+    bool OnText(std::u16string_view text, std::uint32_t start, std::uint32_t end) override {
         return Keep(TextEvent(text, start, end, CurrentStyle()));
     }
     bool OnCodes(std::uint32_t start, std::uint32_t end, bool saw) override {

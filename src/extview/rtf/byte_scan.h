@@ -93,45 +93,6 @@ inline bool MeasureWord(std::string_view bytes, WordShape& shape) {
     return isUsual;
 }
 
-/// Appends each byte as one character, with its sign extended: 0xE9 becomes U+FFE9.
-inline void AppendSignExtended(std::string_view bytes, std::u16string& text) {
-    constexpr std::size_t BlockSize = 128;
-    char16_t block[BlockSize];
-    while (!bytes.empty()) {
-        const std::size_t length = bytes.size() < BlockSize ? bytes.size() : BlockSize;
-        std::size_t i = 0;
-#if defined(__SSE2__)
-        const auto widen = [&](std::size_t at) {
-            const __m128i in = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes.data() + at));
-            const __m128i low = _mm_srai_epi16(_mm_unpacklo_epi8(in, in), 8);
-            const __m128i high = _mm_srai_epi16(_mm_unpackhi_epi8(in, in), 8);
-            _mm_storeu_si128(reinterpret_cast<__m128i*>(block + at), low);
-            _mm_storeu_si128(reinterpret_cast<__m128i*>(block + at + 8), high);
-        };
-        if (length >= 16) {
-            for (; i + 16 <= length; i += 16) {
-                widen(i);
-            }
-            widen(length - 16);  // the rest, and some bytes a second time
-            i = length;
-        } else if (length >= 8) {
-            for (const std::size_t at : {std::size_t{0}, length - 8}) {
-                const __m128i in =
-                    _mm_loadl_epi64(reinterpret_cast<const __m128i*>(bytes.data() + at));
-                _mm_storeu_si128(reinterpret_cast<__m128i*>(block + at),
-                                 _mm_srai_epi16(_mm_unpacklo_epi8(in, in), 8));
-            }
-            i = length;
-        }
-#endif
-        for (; i < length; ++i) {
-            block[i] = static_cast<char16_t>(static_cast<signed char>(bytes[i]));
-        }
-        text.append(block, length);
-        bytes.remove_prefix(length);
-    }
-}
-
 /// The value of a hexadecimal digit; anything else counts as 0.
 inline int HexValue(char digit) {
     if (digit >= '0' && digit <= '9') {

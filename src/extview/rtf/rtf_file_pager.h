@@ -20,6 +20,7 @@ namespace generalutilities {
 class RtfFilePager {
   public:
     static constexpr std::uint32_t PageSize = 65536;
+    static constexpr std::uint32_t Slack = 16;
     static constexpr std::uint32_t NotFound = 0xFFFFFFFF;  ///< the result of a failed search
 
     RtfFilePager();
@@ -34,7 +35,8 @@ class RtfFilePager {
     bool ReadFailed() const { return readFailed; }
 
     /// The bytes from `offset` to the end of its page or of the file, whichever is nearer; empty at
-    /// and behind the end of the file. The view lives until the next but one page is read.
+    /// and behind the end of the file. The view lives until the next but one page is read. Up to
+    /// `Slack` bytes behind it may be read, too; they mean nothing.
     std::string_view BytesFrom(std::uint32_t offset) {
         const std::uint32_t at = offset - current.base;
         if (at < current.length) {
@@ -58,7 +60,7 @@ class RtfFilePager {
 
   private:
     struct Page {
-        std::unique_ptr<char[]> bytes = std::make_unique_for_overwrite<char[]>(PageSize);
+        std::unique_ptr<char[]> bytes = std::make_unique_for_overwrite<char[]>(PageSize + Slack);
         std::uint32_t base = NotFound;  ///< file offset of the first byte, a multiple of `PageSize`
         std::uint32_t length = 0;       ///< bytes held; 0 when the buffer holds nothing
 

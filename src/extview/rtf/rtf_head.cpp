@@ -48,7 +48,7 @@ bool CRTFReader::Prepare() {
 
 /// Brings groups, fonts, styles and fallback counts to where they stand at `end`.
 void CRTFReader::WalkHead(std::uint32_t end) {
-    groups.assign(1, Group{});
+    groups.assign(1, rtf::GroupState{});
     std::uint32_t offset = 0;
     while (offset < end) {
         const std::string_view rest = pager.BytesFrom(offset);
@@ -72,7 +72,7 @@ void CRTFReader::WalkHead(std::uint32_t end) {
                 }
                 const rtf::ControlWord word = rtf::ReadControlWord(pager, offset + 1, nameSpill);
                 if (controlWords.MayMatter(word.name)) {
-                    ApplyWord(rtf::MeaningOf(word.name).kind, word.argument);
+                    groups.back().Set(rtf::MeaningOf(word.name).kind, word.argument);
                 }
                 offset = word.end;
                 break;

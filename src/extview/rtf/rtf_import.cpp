@@ -85,15 +85,9 @@ std::int32_t CRTFImport::StatusOf(std::u16string_view cell) {
     return static_cast<std::int32_t>(value);
 }
 
-bool CRTFImport::OnText(std::u16string& text, std::uint32_t, std::uint32_t) {
-    if (cellCount > cells.size()) {
-        return true;
-    }
-    std::u16string& cell = cells[cellCount - 1];
-    if (cell.empty()) {
-        cell.swap(text);
-    } else {
-        cell.append(text);
+bool CRTFImport::OnText(std::u16string_view text, std::uint32_t, std::uint32_t) {
+    if (cellCount <= cells.size()) {
+        cells[cellCount - 1].append(text);
     }
     return true;
 }

@@ -39,7 +39,7 @@ class CRTFImport : public CExternalViewImport, public CRTFReader {
     static std::int32_t StatusOf(std::u16string_view cell);
 
   protected:
-    bool OnText(std::u16string& text, std::uint32_t start, std::uint32_t end) override;
+    bool OnText(std::u16string_view text, std::uint32_t start, std::uint32_t end) override;
     bool OnControlWord(std::string_view word) override;
 
   private:

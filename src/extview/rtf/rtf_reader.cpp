@@ -1,6 +1,6 @@
 // The main loop. It looks at one token at a time: the byte at `position` decides what it is. A
-// token that turns a code run into a text run first reports the code run and is then looked at
-// again, which is also what happens when the report stopped the parse and `Parse` is called anew.
+// token that turns a code run into a text run reports the code run before it is taken; where the
+// report stops the parse, it is looked at again when `Parse` is called anew.
 
 #include "extview/rtf/rtf_reader.h"
 
@@ -14,10 +14,19 @@ namespace generalutilities {
 
 using rtf::WordKind;
 
+namespace {
+
+constexpr std::uint32_t HexEscapeLength = 4;  // of `\'hh`
+
+static_assert(rtf::RunText::Block <= RtfFilePager::Slack);
+static_assert(rtf::WordMemory::ReadBehind <= RtfFilePager::Slack);
+
+}  // namespace
+
 CRTFReader::CRTFReader() = default;
 CRTFReader::~CRTFReader() = default;
 
-bool CRTFReader::OnText(std::u16string&, std::uint32_t, std::uint32_t) {
+bool CRTFReader::OnText(std::u16string_view, std::uint32_t, std::uint32_t) {
     return true;
 }
 bool CRTFReader::OnCodes(std::uint32_t, std::uint32_t, bool) {
@@ -45,17 +54,19 @@ void CRTFReader::Reset() {
     runStart = 0;
     skipCount = 0;
     fontCodePages.clear();
-    groups.assign(1, Group{});
+    memory.Clear();
+    groups.assign(1, rtf::GroupState{});
 }
 
 void CRTFReader::Close() {
     pager.Close();
-    runText = {};  // a long run's memory does not stay with a reader that is kept for the next file
+    runText.Release();  // a long run's memory does not stay with a reader that is kept for the next
+                        // file
 }
 
 bool CRTFReader::Parse() {
     for (;;) {
-        const std::string_view rest = pager.BytesFrom(position);
+        std::string_view rest = pager.BytesFrom(position);
         if (rest.empty()) {
             return false;
         }
@@ -78,31 +89,58 @@ bool CRTFReader::Parse() {
             case '\n':
                 ++position;
                 break;
-            case '\\':
-                if (inCodes) {
-                    if (const std::uint32_t length = QuietWords(rest); length > 0) {
-                        position += length;
-                        break;
-                    }
-                }
-                if (!ParseEscape(rest)) {
+            case '\\': {
+                const std::size_t length = inCodes ? QuietWords(rest) : AddEscapes(rest);
+                position += static_cast<std::uint32_t>(length);
+                if (length == 0 && !ParseEscape(rest)) {
                     return true;
                 }
                 break;
+            }
             default:
-                if (!inCodes) {
-                    AddPlainText(rest.substr(0, rtf::PlainLength(rest)));
-                } else if (!EndCodes()) {
-                    return true;
+                if (inCodes) {
+                    if (!EndCodes()) {
+                        return true;
+                    }
+                    rest = pager.BytesFrom(position);  // the report may have turned pages
                 }
+                position += static_cast<std::uint32_t>(AddText(rest));
         }
     }
 }
 
+/// Adds plain text, with the escapes in it, that stands at the start of the bytes. Gives the
+/// length.
+std::size_t CRTFReader::AddText(std::string_view bytes) {
+    std::size_t length = 0;
+    for (std::size_t escapes = 1; escapes > 0; length += escapes) {
+        const std::size_t plain = rtf::PlainLength(bytes.substr(length));
+        AddPlainText(bytes.substr(length, plain));
+        length += plain;
+        escapes = AddEscapes(bytes.substr(length));
+    }
+    return length;
+}
+
 /// Takes the control words of a code run at the start of the bytes of which nobody is told; their
-/// length. Of the others the first ends them.
+/// length.
 std::uint32_t CRTFReader::QuietWords(std::string_view bytes) {
+    if (const rtf::WordRun& known = memory.Find(bytes); known.length > 0) {
+        known.change.ApplyTo(groups.back());
+        return known.length;
+    }
+    const rtf::WordRun run = ReadQuietWords(bytes);
+    if (run.length > 0) {
+        run.change.ApplyTo(groups.back());
+        memory.Keep(bytes, run);
+    }
+    return run.length;
+}
+
+/// Reads such words, up to the first of the others.
+rtf::WordRun CRTFReader::ReadQuietWords(std::string_view bytes) const {
     constexpr int ShortSuccession = 4;
+    rtf::WordRun run;
     std::size_t length = 0;
     int meaningless = 0;  // in succession
     rtf::WordShape shape;
@@ -124,12 +162,13 @@ std::uint32_t CRTFReader::QuietWords(std::string_view bytes) {
             if (!rtf::IsState(kind)) {
                 break;
             }
-            ApplyWord(kind, rtf::ArgumentOf(word, shape));
+            run.change.Add(kind, rtf::ArgumentOf(word, shape));
             meaningless = 0;
         }
         length += 1 + shape.end;
     }
-    return static_cast<std::uint32_t>(length);
+    run.length = static_cast<std::uint32_t>(length);
+    return run;
 }
 
 /// Takes what begins with the backslash at `position`; false to stop.
@@ -145,19 +184,11 @@ bool CRTFReader::ParseEscape(std::string_view rest) {
         case '-':
         case ':':
             break;
-        case 'u':
-            if (!inCodes) {
-                if (const std::uint32_t length = AddUnicode(rest); length > 0) {
-                    position += length;
-                    return true;
-                }
-            }
-            return ParseControlWord();
         default:
             return ParseControlWord();
     }
-    if (inCodes) {
-        return EndCodes();
+    if (inCodes && !EndCodes()) {
+        return false;
     }
     if (next == '\'') {
         AddHexRun();
@@ -174,35 +205,46 @@ bool CRTFReader::ParseEscape(std::string_view rest) {
     return true;
 }
 
-/// Adds the characters of `\u` words, with the `\uc` words between them, that stand at the start of
-/// the bytes in the usual form, with an argument and no sign; their length. A text in another
-/// script than Latin consists of them.
-std::uint32_t CRTFReader::AddUnicode(std::string_view bytes) {
-    constexpr std::size_t LongestWord = 16;  // with the byte behind it
+/// Adds the characters of escapes that stand at the start of the bytes, directly behind one
+/// another:
+/// `\u` words with an argument and no sign, their fallbacks in bytes, `\uc` words, and structure
+/// that is text. A text in another script than Latin consists of them. Gives their length.
+std::size_t CRTFReader::AddEscapes(std::string_view bytes) {
+    constexpr std::size_t LongestEscape = 16;  // with the byte behind it
     constexpr int MostDigits = 9;
     std::size_t length = 0;
-    while (bytes.size() - length >= LongestWord && bytes[length] == '\\' &&
-           bytes[length + 1] == 'u') {
-        std::size_t at = length + 2;
-        const bool isCount = bytes[at] == 'c';
-        at += isCount ? 1 : 0;
-        std::int32_t value = 0;
-        int digits = 0;
-        for (; bytes[at] >= '0' && bytes[at] <= '9' && digits <= MostDigits; ++at, ++digits) {
-            value = digits < MostDigits ? value * 10 + (bytes[at] - '0') : value;
-        }
-        if (digits == 0 || digits > MostDigits) {
+    while (bytes.size() - length >= LongestEscape && bytes[length] == '\\') {
+        const char kind = bytes[length + 1];
+        if (kind == 'u') {
+            std::size_t at = length + 2;
+            const bool isCount = bytes[at] == 'c';
+            at += isCount ? 1 : 0;
+            std::int32_t value = 0;
+            int digits = 0;
+            for (; bytes[at] >= '0' && bytes[at] <= '9' && digits <= MostDigits; ++at, ++digits) {
+                value = digits < MostDigits ? value * 10 + (bytes[at] - '0') : value;
+            }
+            if (digits == 0 || digits > MostDigits) {
+                break;
+            }
+            length = at + (bytes[at] == ' ' ? 1 : 0);
+            if (isCount) {
+                groups.back().fallbackCount = value;
+            } else {
+                AddCharacter(static_cast<char16_t>(value));
+                skipCount = static_cast<std::uint32_t>(groups.back().fallbackCount);
+            }
+        } else if (kind == '\'' && skipCount > 0) {
+            --skipCount;
+            length += HexEscapeLength;
+        } else if (kind == '{' || kind == '}' || kind == '\\') {
+            AddCharacter(static_cast<char16_t>(kind));
+            length += 2;
+        } else {
             break;
         }
-        length = at + (bytes[at] == ' ' ? 1 : 0);
-        if (isCount) {
-            groups.back().fallbackCount = value;
-        } else {
-            AddCharacter(static_cast<char16_t>(value));
-            skipCount = static_cast<std::uint32_t>(groups.back().fallbackCount);
-        }
     }
-    return static_cast<std::uint32_t>(length);
+    return length;
 }
 
 /// Takes the control word whose backslash is at `position`; false to stop.
@@ -218,8 +260,8 @@ bool CRTFReader::ParseControlWord() {
     }
 
     if (meaning.kind == WordKind::Characters) {
-        if (inCodes) {
-            return EndCodes();
+        if (inCodes && !EndCodes()) {
+            return false;
         }
         for (const char16_t character : meaning.characters) {
             AddCharacter(character);
@@ -231,7 +273,7 @@ bool CRTFReader::ParseControlWord() {
 
     position = word.end;
     if (meaning.kind == WordKind::FallbackCount) {
-        ApplyWord(meaning.kind, word.argument);
+        groups.back().Set(meaning.kind, word.argument);
         return true;
     }
     if (meaning.kind == WordKind::Unicode) {
@@ -251,20 +293,9 @@ bool CRTFReader::ParseControlWord() {
         sawControlWord = true;
         return OnControlWord(*reported);
     } else {
-        ApplyWord(meaning.kind, word.argument);
+        groups.back().Set(meaning.kind, word.argument);
     }
     return true;
-}
-
-/// The words that change the state of the current group; any other word does nothing here.
-void CRTFReader::ApplyWord(WordKind kind, std::int32_t argument) {
-    if (kind == WordKind::FallbackCount) {
-        groups.back().fallbackCount = argument;
-    } else if (kind == WordKind::Font) {
-        groups.back().font = argument;
-    } else if (kind == WordKind::Style) {
-        groups.back().style = argument;
-    }
 }
 
 /// Walks over the rest of the group, to its closing brace or, without one, to the last byte.
@@ -286,20 +317,20 @@ std::uint32_t CRTFReader::GroupEnd(std::uint32_t start, bool& closed) {
 void CRTFReader::CloseGroup() {
     groups.pop_back();
     if (groups.empty()) {
-        groups.push_back(Group{});
+        groups.push_back(rtf::GroupState{});
     }
 }
 
 bool CRTFReader::EndText() {
     inCodes = true;
     sawControlWord = false;
-    const bool goOn = OnText(runText, runStart, position);
+    const bool goOn = OnText(runText.View(), runStart, position);
     runStart = position;
     return goOn;
 }
 
 bool CRTFReader::EndCodes() {
-    runText.clear();
+    runText.Clear();
     inCodes = false;
     const bool goOn = OnCodes(runStart, position, sawControlWord);
     sawControlWord = false;
@@ -311,37 +342,37 @@ void CRTFReader::AddCharacter(char16_t character) {
     if (skipCount > 0) {
         --skipCount;
     } else {
-        runText.push_back(character);
+        runText.Add(character);
     }
 }
 
 void CRTFReader::AddPlainText(std::string_view bytes) {
-    position += static_cast<std::uint32_t>(bytes.size());
     const auto dropped = static_cast<std::uint32_t>(std::min<std::size_t>(skipCount, bytes.size()));
     skipCount -= dropped;
-    rtf::AppendSignExtended(bytes.substr(dropped), runText);
+    runText.AddSignExtended(bytes.substr(dropped));
 }
 
 /// Takes all escapes of the form `\'hh` that follow one another as one string of bytes: a character
 /// of two bytes is two escapes. A fallback is counted in bytes here.
 void CRTFReader::AddHexRun() {
-    constexpr std::uint32_t EscapeLength = 4;
-    const auto fits = [this] { return std::uint64_t{position} + EscapeLength < pager.FileSize(); };
+    const auto fits = [this] {
+        return std::uint64_t{position} + HexEscapeLength < pager.FileSize();
+    };
     if (!fits()) {
         position += 2;  // an escape at the very end of the file gives nothing
         return;
     }
     hexBytes.clear();
     while (fits()) {
-        char escape[EscapeLength];
+        char escape[HexEscapeLength];
         const std::string_view rest = pager.BytesFrom(position);
-        for (std::uint32_t i = 0; i < EscapeLength; ++i) {
+        for (std::uint32_t i = 0; i < HexEscapeLength; ++i) {
             escape[i] = i < rest.size() ? rest[i] : pager.ByteAt(position + i);
         }
         if (escape[0] != '\\' || escape[1] != '\'') {
             break;
         }
-        position += EscapeLength;
+        position += HexEscapeLength;
         if (skipCount > 0) {
             --skipCount;
         } else {
@@ -352,7 +383,9 @@ void CRTFReader::AddHexRun() {
         // A font that the table does not name has the system's ANSI code page.
         const std::int32_t codePage =
             fontCodePages.try_emplace(groups.back().font, 0).first->second;
-        code_pages::AppendDecoded(static_cast<std::uint32_t>(codePage), hexBytes, runText);
+        decoded.clear();
+        code_pages::AppendDecoded(static_cast<std::uint32_t>(codePage), hexBytes, decoded);
+        runText.Add(decoded);
     }
 }
 

@@ -3,6 +3,8 @@
 #include "extview/rtf/control_word.h"
 #include "extview/rtf/rtf_file_pager.h"
 #include "extview/rtf/rtf_tables.h"
+#include "extview/rtf/run_text.h"
+#include "extview/rtf/word_memory.h"
 
 #include <cstdint>
 #include <memory>
@@ -65,9 +67,8 @@ class CRTFReader {
     }
 
   protected:
-    /// A text run has ended. `start` is where it began, `end` the parser's position. The string is
-    /// the reader's work string: the derived class may change it, or take it and leave another.
-    virtual bool OnText(std::u16string& text, std::uint32_t start, std::uint32_t end);
+    /// A text run has ended. `start` is where it began, `end` the parser's position.
+    virtual bool OnText(std::u16string_view text, std::uint32_t start, std::uint32_t end);
     /// A code run has ended. `sawControlWord` tells whether a reported word was in it.
     virtual bool OnCodes(std::uint32_t start, std::uint32_t end, bool sawControlWord);
     /// A word of `controlWords` was met.
@@ -75,25 +76,19 @@ class CRTFReader {
 
     rtf::FontCodePages fontCodePages;
     rtf::StyleNames styleNames;
-    rtf::ControlWordSet controlWords;  ///< filled by the derived class
+    rtf::ControlWordSet controlWords;  ///< filled by the derived class before a file is opened
 
   private:
-    /// What a group inherits from the one around it and gives back at its end.
-    struct Group {
-        std::int32_t font = 1;
-        std::int32_t fallbackCount = 1;  ///< the argument of `\uc`
-        std::int32_t style = 1;
-    };
-
     bool ReadTable(std::string_view controlWord, std::string& content, std::uint32_t& end);
     std::uint32_t GroupEnd(std::uint32_t start, bool& closed);
     void WalkHead(std::uint32_t end);
 
+    std::size_t AddText(std::string_view bytes);
     std::uint32_t QuietWords(std::string_view bytes);
+    rtf::WordRun ReadQuietWords(std::string_view bytes) const;
     bool ParseEscape(std::string_view rest);
-    std::uint32_t AddUnicode(std::string_view bytes);
+    std::size_t AddEscapes(std::string_view bytes);
     bool ParseControlWord();
-    void ApplyWord(rtf::WordKind kind, std::int32_t argument);
     void SkipDestination();
 
     bool EndText();
@@ -111,10 +106,13 @@ class CRTFReader {
     std::uint32_t skipCount = 0;  ///< how many characters of a fallback are still to be dropped
     bool inCodes = true;          ///< the current run is a code run
     bool sawControlWord = false;  ///< a reported word was met in this code run
-    std::u16string runText;       ///< the characters of the current text run
-    std::vector<Group> groups{Group{}};  ///< one entry per open group and one below; never empty
-    std::string nameSpill;               ///< see `rtf::ReadControlWord`
+    rtf::RunText runText;         ///< the characters of the current text run
+    /// One entry per open group and one below; never empty.
+    std::vector<rtf::GroupState> groups{rtf::GroupState{}};
+    rtf::WordMemory memory;
+    std::string nameSpill;  ///< see `rtf::ReadControlWord`
     std::string hexBytes;
+    std::u16string decoded;
 };
 
 }  // namespace generalutilities

@@ -25,7 +25,7 @@ std::u16string_view MarkAtEnd(std::u16string_view text) {
 
 }  // namespace
 
-bool TwbCells::Add(std::int32_t style, std::u16string& text) {
+bool TwbCells::Add(std::int32_t style, std::u16string_view text) {
     const bool isExternal = style == styles.external;
     const bool isMark = style == styles.mark;
     const bool isInternal = style == styles.internal;
@@ -43,7 +43,7 @@ bool TwbCells::Add(std::int32_t style, std::u16string& text) {
         (isInternal ? codes : Last()).append(text);
     } else {
         if (isInternal) {
-            codes.swap(text);
+            codes = text;
             if (!isTextOpen) {
                 Open({});
                 isTextOpen = true;
@@ -57,8 +57,7 @@ bool TwbCells::Add(std::int32_t style, std::u16string& text) {
             FlushCodes();
             Last().append(text);
         } else {
-            Open({});
-            Last().swap(text);
+            Open(text);
             isTextOpen = true;
         }
         previousStyle = style;

@@ -39,8 +39,8 @@ class TwbCells {
         isWaiting = true;
     }
 
-    /// Adds the text of a run, which may be taken; true if it ends the row.
-    bool Add(std::int32_t style, std::u16string& text);
+    /// Adds the text of a run; true if it ends the row.
+    bool Add(std::int32_t style, std::u16string_view text);
 
     std::size_t Count() const { return count; }
     /// Of the first five cells.

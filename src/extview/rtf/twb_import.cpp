@@ -85,7 +85,7 @@ bool CTWBImport::IsBilingual() {
                             FindInFile(0, "\\row") == RtfFilePager::NotFound);
 }
 
-bool CTWBImport::OnText(std::u16string& text, std::uint32_t, std::uint32_t) {
+bool CTWBImport::OnText(std::u16string_view text, std::uint32_t, std::uint32_t) {
     return !cells.Add(CurrentStyle(), text);
 }
 

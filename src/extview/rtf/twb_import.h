@@ -41,7 +41,7 @@ class CTWBImport : public CExternalViewImport, public CRTFReader {
     void ReadId(std::u16string& id);
 
   protected:
-    bool OnText(std::u16string& text, std::uint32_t start, std::uint32_t end) override;
+    bool OnText(std::u16string_view text, std::uint32_t start, std::uint32_t end) override;
 
   private:
     bool FindStyles();
