@@ -26,12 +26,18 @@ def case_table(path):
                    for cell in line.split("\t")]
 
 
+def fail(*_):
+    raise generalutilities.Error(0x80004005 - (1 << 32), "", "")
+
+
 def convert(cell, parameter, member, made):
     """What a cell stands for, as the head of the table says."""
     kind, _, rest = cell.rpartition("}") if cell.startswith("{") else ("", "", cell)
     special = {"{this": lambda: made, "{none": lambda: None,
                "{project": lambda: generalutilities.open_project(rest),
                "{targets": lambda: dict(enumerate(rest.split(" "))),
+               "{raise": lambda: generalutilities.comparison(
+                   fail, str if member.name == "StringSort" else ctypes.c_int32),
                "{compare": lambda: generalutilities.comparison(
                    lambda a, b: (a > b) - (a < b),
                    str if member.name == "StringSort" else ctypes.c_int32)}.get(kind)

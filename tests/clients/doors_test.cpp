@@ -86,6 +86,10 @@ std::int32_t CompareStrings(const void* a, const void* b) {
     return std::u16string_view(*static_cast<const BSTR*>(a)).compare(*static_cast<const BSTR*>(b));
 }
 
+std::int32_t Raise(const void*, const void*) {
+    throw std::runtime_error("raised");
+}
+
 /// One call of a member with the cells of a row, which are texts or stand for what the head of the
 /// table says.
 class RowCall {
@@ -164,10 +168,11 @@ class RowCall {
     void Fill(VARIANT* value, const Text& cell, VARTYPE type) {
         const std::size_t end = cell.starts_with(u'{') ? cell.find(u'}') : Text::npos;
         const Text kind = cell.substr(0, end == Text::npos ? 0 : end + 1);
-        if (kind == u"{compare}") {
-            const bool isOfStrings = Text(method.name) == u"StringSort";
-            compare = HandleFromPointer(
-                reinterpret_cast<void*>(isOfStrings ? CompareStrings : CompareLongs));
+        if (kind == u"{compare}" || kind == u"{raise}") {
+            const auto function = kind == u"{raise}"                   ? Raise
+                                  : Text(method.name) == u"StringSort" ? CompareStrings
+                                                                       : CompareLongs;
+            compare = HandleFromPointer(reinterpret_cast<void*>(function));
             value->vt = VT_I4;
             value->lVal = compare;
         } else if (kind == u"{this}") {
