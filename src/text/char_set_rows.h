@@ -15,8 +15,8 @@ struct CharSetRow {
 struct CharSetRows {
     std::int32_t key;
     std::span<const CharSetRow> fixed;
-    std::span<const CharSetRow> drawn;  ///< of these, the characters that `codePage` has
-    std::uint32_t codePage;             ///< 0 where nothing is drawn from one
+    std::span<const CharSetRow> drawn = {};  ///< of these, the characters that `codePage` has
+    std::uint32_t codePage = 0;              ///< 0 where nothing is drawn from one
 };
 
 /// In ascending order of the keys.

@@ -58,13 +58,24 @@ char* NewBytes(Bstr& string, std::size_t bytes) {
     return reinterpret_cast<char*>(string.Get());
 }
 
-/// S_FALSE, and `out` as it was, where there is no result.
-HRESULT GiveConverted(bool converted, Bstr& result, BSTR* out) {
-    if (!converted) {
-        return S_FALSE;
+/// What both conversions have in common: pages that are copied, and S_FALSE with `out` as it was
+/// where `convert` has no result.
+template <class Convert>
+HRESULT GiveConverted(std::int32_t codePage, BSTR in, BSTR* out, Convert convert) noexcept {
+    if (out == nullptr) {
+        return E_POINTER;
     }
-    *out = result.Release();
-    return S_OK;
+    if (IsPassThrough(codePage)) {
+        return GiveTerminated(in, out);
+    }
+    return Guarded([&] {
+        Bstr result;
+        if (!convert(result)) {
+            return S_FALSE;
+        }
+        *out = result.Release();
+        return S_OK;
+    });
 }
 
 ByteTextForm TextForm(VARIANT_BOOL noConversion) {
@@ -182,20 +193,11 @@ HRESULT CStringUtils::SimplifyString(BSTR bstrIn, std::int32_t lcid, BSTR* pbstr
 HRESULT CStringUtils::ConvertStringToUnicode(std::int32_t lCodePage, BSTR bstrIn,
                                              VARIANT_BOOL bTrueANSI, VARIANT_BOOL bNoConversion,
                                              BSTR* pbstrOut) noexcept {
-    if (pbstrOut == nullptr) {
-        return E_POINTER;
-    }
-    if (IsPassThrough(lCodePage)) {
-        return GiveTerminated(bstrIn, pbstrOut);
-    }
-    return Guarded([&] {
-        Bstr result;
+    return GiveConverted(lCodePage, bstrIn, pbstrOut, [&](Bstr& result) {
         const auto room = [&](std::size_t units) { return NewUnits(result, units); };
-        const bool converted =
-            bTrueANSI == VARIANT_TRUE
-                ? byteStrings.ToUnicode(lCodePage, Memory(bstrIn), room)
-                : byteStrings.ToUnicode(lCodePage, View(bstrIn), TextForm(bNoConversion), room);
-        return GiveConverted(converted, result, pbstrOut);
+        return bTrueANSI == VARIANT_TRUE
+                   ? byteStrings.ToUnicode(lCodePage, Memory(bstrIn), room)
+                   : byteStrings.ToUnicode(lCodePage, View(bstrIn), TextForm(bNoConversion), room);
     });
 }
 
@@ -217,25 +219,17 @@ HRESULT CStringUtils::DetectCodePage(BSTR bstrIn, std::int32_t lDefLangCodePage,
 HRESULT CStringUtils::ConvertStringFromUnicode(std::int32_t lCodePage, BSTR bstrIn,
                                                VARIANT_BOOL bTrueANSI, VARIANT_BOOL bNoConversion,
                                                BSTR* pbstrOut) noexcept {
-    if (pbstrOut == nullptr) {
-        return E_POINTER;
-    }
-    if (IsPassThrough(lCodePage)) {
-        return GiveTerminated(bstrIn, pbstrOut);
-    }
-    return Guarded([&] {
-        Bstr result;
-        const bool converted =
-            bTrueANSI == VARIANT_TRUE
-                ? byteStrings.FromUnicode(
-                      lCodePage, View(bstrIn),
-                      [&](std::size_t bytes) { return NewBytes(result, bytes); })
-                : byteStrings.FromUnicode(
-                      lCodePage, View(bstrIn), TextForm(bNoConversion),
-                      [&](std::size_t units) { return NewUnits(result, units); });
-        return GiveConverted(converted, result, pbstrOut);
+    return GiveConverted(lCodePage, bstrIn, pbstrOut, [&](Bstr& result) {
+        return bTrueANSI == VARIANT_TRUE
+                   ? byteStrings.FromUnicode(
+                         lCodePage, View(bstrIn),
+                         [&](std::size_t bytes) { return NewBytes(result, bytes); })
+                   : byteStrings.FromUnicode(
+                         lCodePage, View(bstrIn), TextForm(bNoConversion),
+                         [&](std::size_t units) { return NewUnits(result, units); });
     });
 }
+
 HRESULT CStringUtils::GetLangNativeName(std::int32_t LangID, BSTR* bstrOut) noexcept {
     return bstrOut == nullptr ? E_POINTER : GiveFound(LanguageNativeName(LangID), bstrOut);
 }
@@ -270,12 +264,14 @@ HRESULT CStringUtils::GetStringCodePages(BSTR bstrAnalyze, SAFEARRAY** pCodePage
         return S_OK;
     });
 }
+
 HRESULT CStringUtils::LoadUnicodeResString(std::int32_t hInstance, std::int32_t lID,
                                            BSTR* pbstrResult) noexcept {
     return pbstrResult == nullptr
                ? E_POINTER
                : GiveFound(FindModuleString(PointerFromHandle(hInstance), lID), pbstrResult);
 }
+
 HRESULT CStringUtils::SerializeCodes(BSTR* Source, IUnknown* dictTargets, std::int32_t* EmbeddedID,
                                      SAFEARRAY** CodeNumbers, SAFEARRAY** CodeContents) noexcept {
     if (Source == nullptr || EmbeddedID == nullptr || CodeNumbers == nullptr ||
@@ -324,6 +320,7 @@ HRESULT CStringUtils::SerializeCodes(BSTR* Source, IUnknown* dictTargets, std::i
         }
     });
 }
+
 HRESULT CStringUtils::IsStringInCodePage(BSTR bstrIn, std::int32_t cp,
                                          VARIANT_BOOL* pRetVal) noexcept {
     if (pRetVal == nullptr) {
