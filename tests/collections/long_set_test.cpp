@@ -2,7 +2,6 @@
 #include <generalutilities/interfaces/collections.h>
 
 #include "frame/values.h"
-#include "frame/without_late_binding.h"
 
 #include <random>
 #include <set>
@@ -96,34 +95,26 @@ TEST(LongSet, IntersectsWithoutTouchingEither) {
     EXPECT_EQ(SetOf({1})->IntersectWith(SetOf({1}).Get(), nullptr), E_POINTER);
 }
 
-/// A set of another implementation: its table is ours, its address is not.
-struct Stranger : Local<WithoutLateBinding<ILongSet>> {
-    HRESULT Add(std::int32_t) noexcept override { return S_OK; }
-    HRESULT Remove(std::int32_t) noexcept override { return S_OK; }
-    HRESULT get_Count(std::int32_t*) noexcept override { return S_OK; }
-    HRESULT get_Item(std::int32_t, std::int32_t*) noexcept override { return S_OK; }
-    HRESULT get__NewEnum(IUnknown**) noexcept override { return S_OK; }
-    HRESULT IntersectWith(ILongSet*, ILongSet**) noexcept override { return S_OK; }
-    HRESULT _GetSet(void** set) noexcept override {
-        *set = address;
-        return S_OK;
-    }
-    void* address;
-};
+void* strangersAddress;
+HRESULT GiveStrangersAddress(ILongSet*, void** set) {
+    *set = strangersAddress;
+    return S_OK;
+}
 
 TEST(LongSet, DoesNotFollowTheAddressOfAStranger) {
     const auto set = SetOf({1});
-    Stranger stranger;
+    const auto other = SetOf({});
+    const Replaced operation(other.Get(), 7 + 6, Operation(GiveStrangersAddress));
     int somewhere = 0;
     ComPtr<ILongSet> both;
     for (void* const address : {static_cast<void*>(nullptr), static_cast<void*>(&somewhere),
                                 reinterpret_cast<void*>(std::uintptr_t{16})}) {
-        stranger.address = address;
-        EXPECT_EQ(set->IntersectWith(&stranger, both.Out()), E_INVALIDARG);
+        strangersAddress = address;
+        EXPECT_EQ(set->IntersectWith(other.Get(), both.Out()), E_INVALIDARG);
         EXPECT_FALSE(both);
     }
-    ASSERT_EQ(set->_GetSet(&stranger.address), S_OK);
-    EXPECT_EQ(set->IntersectWith(&stranger, both.Out()), S_OK) << "one that wraps a set of ours";
+    ASSERT_EQ(set->_GetSet(&strangersAddress), S_OK);
+    EXPECT_EQ(set->IntersectWith(other.Get(), both.Out()), S_OK) << "one that wraps a set of ours";
     EXPECT_EQ(Values(*both.Get()), Longs{1});
 }
 

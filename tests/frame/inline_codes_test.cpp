@@ -4,23 +4,15 @@
 #include <generalutilities/interfaces/class_ids.h>
 #include <generalutilities/interfaces/string_utils.h>
 
+#include "case_table.h"
 #include "values.h"
+
+#include <map>
+#include <optional>
 
 namespace generalutilities {
 namespace {
 
-std::u16string TextOf(IDictionary* dictionary, VARIANT key) {
-    Variant item;
-    EXPECT_EQ(dictionary->get_Item(&key, item.Out()), S_OK);
-    return item.Get().vt == VT_BSTR ? item.Get().bstrVal : u"no text";
-}
-
-/// What a faulty dictionary does in the place of an operation.
-struct Fault {
-    std::size_t place;  ///< in the table
-    void* operation;
-    const char16_t* words;  ///< of the report
-};
 template <VARTYPE Type, VARTYPE Element, std::uint32_t Dimensions = 1, std::int32_t Lower = 0>
 HRESULT GiveKeys(IDictionary*, VARIANT* keys) {
     SAFEARRAYBOUND bounds[] = {{2, Lower}, {2, 0}};
@@ -35,113 +27,67 @@ HRESULT GiveLong(IDictionary*, VARIANT*, VARIANT* item) {
 HRESULT Refuse(IDictionary*) {
     return E_FAIL;
 }
-template <class... Arguments>
-void* Operation(HRESULT (*function)(Arguments...)) {
-    return reinterpret_cast<void*>(function);
+constexpr std::size_t Put = 8, Get = 9, Keys = 15;
+constexpr VARTYPE Array = VT_ARRAY | VT_VARIANT;
+const std::map<std::u16string, std::pair<std::size_t, void*>> Faults = {
+    {u"keys fail", {Keys, Operation(Refuse)}},
+    {u"keys are a text", {Keys, Operation(GiveKeys<VT_BSTR, VT_EMPTY>)}},
+    {u"two dimensions", {Keys, Operation(GiveKeys<Array, VT_VARIANT, 2>)}},
+    {u"keys are longs", {Keys, Operation(GiveKeys<Array, VT_I4>)}},
+    {u"too high an index", {Keys, Operation(GiveKeys<Array, VT_VARIANT, 1, 0x7FFFFFFF>)}},
+    {u"items fail", {Get, Operation(Refuse)}},
+    {u"items are longs", {Get, Operation(GiveLong)}},
+    {u"nothing is taken", {Put, Operation(Refuse)}}};
+
+std::u16string TextOf(IDictionary* dictionary, VARIANT key) {
+    Variant item;
+    EXPECT_EQ(dictionary->get_Item(&key, item.Out()), S_OK);
+    return item.Get().vt == VT_BSTR ? item.Get().bstrVal : u"no text";
 }
 
-class SerializeCodesTest : public testing::Test {
-  protected:
-    /// Targets under the keys 1, 2, ...
-    void Fill(std::initializer_list<const char16_t*> targets) {
-        dictionary->RemoveAll();
-        std::int32_t number = 0;
-        for (const char16_t* target : targets) {
-            VARIANT key = Long(++number);
-            const Bstr text(target);
-            VARIANT item = Borrowed(text);
+TEST(SerializeCodesTest, AnswersAsListed) {
+    const auto utils = Create<IStringUtils>(CLSID_StringUtils, IID_IStringUtils);
+    for (const auto& row : CaseTable("segments.tsv")) {
+        SCOPED_TRACE(testing::PrintToString(row));
+        const auto dictionary = Create<IDictionary>(CLSID_Dictionary, IID_IDictionary);
+        for (std::size_t i = 5; i < row.size(); ++i) {
+            const Bstr text(row[i]);
+            VARIANT key = Long(static_cast<std::int32_t>(i)), item = Borrowed(text);
             ASSERT_EQ(dictionary->Add(&key, &item), S_OK);
         }
-    }
-    /// The status, the last number, the texts and the codes in one line.
-    std::u16string Run(std::u16string_view sourceText, IUnknown* targets,
-                       const Fault* fault = nullptr) {
-        Bstr source(sourceText);
-        SAFEARRAY* numbers = nullptr;
-        SAFEARRAY* contents = nullptr;
+        EXPECT_EQ(utils->put_TTXIgnoreFonts(static_cast<VARIANT_BOOL>(Number(row[3]))), S_OK);
+        Bstr source(row[4]);
         std::int32_t last = 10;
-        // A faulty dictionary has a table of its own, with what C++ has in front of one.
-        void*** const object = reinterpret_cast<void***>(dictionary.Get());
-        void** const sound = *object;
-        void* table[2 + 22];
-        std::copy_n(sound - 2, std::size(table), table);
-        if (fault != nullptr) {
-            table[2 + fault->place] = fault->operation;
+        SAFEARRAY *numbers = nullptr, *contents = nullptr;
+        IUnknown* const targets = row[2] == u"none"      ? nullptr
+                                  : row[2] == u"another" ? static_cast<IUnknown*>(utils.Get())
+                                                         : dictionary.Get();
+        const auto fault = Faults.find(row[2]);
+        std::optional<Replaced> replaced;
+        if (fault != Faults.end()) {
+            replaced.emplace(targets, fault->second.first, fault->second.second);
         }
-        *object = table + 2;
+        SetErrorInfo(0, nullptr);
         const HRESULT status =
             utils->SerializeCodes(source.InOut(), targets, &last, &numbers, &contents);
-        *object = sound;
+        replaced.reset();
         const ArrayPtr ownedNumbers(numbers), ownedContents(contents);
-        std::u16string line = status == S_OK ? u"ok " : u"failed ";
-        line += Ascii(std::to_string(last)) + u" " + source.Text();
-        std::int32_t count = 0;
-        dictionary->get_Count(&count);
-        for (std::int32_t i = 1; i <= count; ++i) {
-            line += u" | " + TextOf(dictionary.Get(), Long(i));
+        const std::u16string report = Report();
+        EXPECT_EQ(report,
+                  row[1].empty() ? u"nothing" : u"GeneralUtilities.StringUtils.1: " + row[1]);
+        EXPECT_EQ(status, row[1].empty() ? S_OK : E_FAIL);
+
+        std::u16string line = Text(Long(last)) + u" " + source.Text();
+        for (std::size_t i = 5; i < row.size(); ++i) {
+            line += u" | " + TextOf(dictionary.Get(), Long(static_cast<std::int32_t>(i)));
         }
         for (std::uint32_t i = 0; numbers != nullptr && i < numbers->rgsabound[0].cElements; ++i) {
-            line += u" " + Ascii(std::to_string(static_cast<std::int32_t*>(numbers->pvData)[i])) +
-                    u"=" + static_cast<BSTR*>(contents->pvData)[i];
+            line += u" " + Text(Long(static_cast<std::int32_t*>(numbers->pvData)[i])) + u"=" +
+                    static_cast<BSTR*>(contents->pvData)[i];
         }
         std::ranges::replace(line, u'\x11', u'(');
         std::ranges::replace(line, u'\x12', u')');
-        return line;
-    }
-    static std::u16string Ascii(const std::string& text) { return {text.begin(), text.end()}; }
-
-    ComPtr<IStringUtils> utils = Create<IStringUtils>(CLSID_StringUtils, IID_IStringUtils);
-    ComPtr<IDictionary> dictionary = Create<IDictionary>(CLSID_Dictionary, IID_IDictionary);
-};
-
-TEST_F(SerializeCodesTest, NumbersCodesOfAllTexts) {
-    Fill({u"<p>d", u"<q>"});
-    EXPECT_EQ(Run(u"a<p>b<p>c", dictionary.Get()),
-              u"ok 13 a(11)b(12)c | (11)d | (13) 11=<p> 12=<p> 13=<q>");
-    Fill({});
-    EXPECT_EQ(Run(std::u16string_view(u"a\0<p", 4), dictionary.Get()), u"ok 10 a");
-    EXPECT_EQ(Run(u"<df font=\"A\">x</df>", dictionary.Get()),
-              u"ok 12 (11)x(12) 11=<df font=\"A\"> 12=</df>");
-    utils->put_TTXIgnoreFonts(1);
-    EXPECT_EQ(Run(u"<df font=\"A\">", dictionary.Get()), u"ok 11 (11) 11=<df font=\"A\">");
-    utils->put_TTXIgnoreFonts(VARIANT_TRUE);
-    EXPECT_EQ(Run(u"<df font=\"A\">x</df>", dictionary.Get()), u"ok 10 x");
-}
-
-TEST_F(SerializeCodesTest, FailsWithWordsAndChangesNothing) {
-    constexpr std::size_t Put = 8, Get = 9, Keys = 15;
-    constexpr VARTYPE Array = VT_ARRAY | VT_VARIANT;
-    const char16_t* const unusable = u"Dictionary object has changed, it's unusable";
-    const Fault faults[] = {
-        {Keys, Operation(Refuse), unusable},
-        {Keys, Operation(GiveKeys<VT_BSTR, VT_EMPTY>), unusable},
-        {Keys, Operation(GiveKeys<Array, VT_VARIANT, 2>), unusable},
-        {Keys, Operation(GiveKeys<Array, VT_I4>), unusable},
-        {Keys, Operation(GiveKeys<Array, VT_VARIANT, 1, 0x7FFFFFFF>), unusable},
-        {Get, Operation(Refuse), u"The dictionary gives no item for one of its keys"},
-        {Get, Operation(GiveLong), u"An item of the dictionary is not a string"},
-        {Put, Operation(Refuse), u"The dictionary does not take an item for one of its keys"},
-    };
-    for (const Fault& fault : faults) {
-        Fill({u"<p>", u"<q>y"});
-        EXPECT_EQ(Run(u"<p>x", dictionary.Get(), &fault),
-                  fault.place == Put ? u"failed 10 (11)x | <p> | <q>y 11=<p> 12=<q>"
-                                     : u"failed 10 <p>x | <p> | <q>y");
-        EXPECT_EQ(Report(), u"GeneralUtilities.StringUtils.1: " + std::u16string(fault.words));
-    }
-    const struct {
-        const char16_t* target;
-        IUnknown* dictionary;
-        const char16_t* words;
-    } calls[] = {{u"", nullptr, u"No dictionary passed"},
-                 {u"", utils.Get(), u"No dictionary passed"},
-                 {u"<ut>", dictionary.Get(), u"<ut> tag opened that is never closed"},
-                 {u"a < b", dictionary.Get(), u"tag opened, but never closed"}};
-    for (const auto& call : calls) {
-        Fill({u"<p>", call.target});
-        EXPECT_EQ(Run(u"<p>x", call.dictionary),
-                  u"failed 10 <p>x | <p> | " + std::u16string(call.target));
-        EXPECT_EQ(Report(), u"GeneralUtilities.StringUtils.1: " + std::u16string(call.words));
+        EXPECT_EQ(line, row[0]);
     }
 }
 

@@ -47,6 +47,29 @@ struct Local : Interface {
     std::uint32_t references = 0;
 };
 
+/// Puts another function in the place of an operation of one object, until this goes.
+class Replaced {
+  public:
+    Replaced(IUnknown* object, std::size_t place, void* function)
+        : table(reinterpret_cast<void***>(object)), sound(*table) {
+        std::copy_n(sound - 2, std::size(faulty), faulty);  // with what C++ has in front
+        faulty[2 + place] = function;
+        *table = faulty + 2;
+    }
+    Replaced(const Replaced&) = delete;
+    Replaced& operator=(const Replaced&) = delete;
+    ~Replaced() { *table = sound; }
+
+  private:
+    void*** table;
+    void** sound;
+    void* faulty[2 + 22];
+};
+template <class... Arguments>
+void* Operation(HRESULT (*function)(Arguments...)) {
+    return reinterpret_cast<void*>(function);
+}
+
 struct Answer {
     HRESULT status = S_OK;
     VARIANT result{};
