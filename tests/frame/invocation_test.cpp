@@ -113,20 +113,22 @@ TEST_F(InvokeTest, ReferencesReachWhatTheyReferTo) {
     };
     VARIANT holder = Of(VT_ARRAY | VT_BSTR);
     holder.parray = SafeArrayCreateVector(VT_BSTR, 0, 2);
-    const auto text = [&](std::size_t i) -> BSTR& {
-        return static_cast<BSTR*>(holder.parray->pvData)[i];
-    };
-    text(0) = SysAllocString(u"a");
-    text(1) = SysAllocString(u"b");
-    EXPECT_EQ(sorted(Ref(VT_ARRAY | VT_BSTR, &holder.parray), 0), S_FALSE);
-    EXPECT_EQ(*text(0), u'a');
-    EXPECT_EQ(sorted(holder, texts), S_OK);
-    EXPECT_EQ(*text(0), u'a') << "a copy was sorted";
-    EXPECT_EQ(sorted(Ref(VT_VARIANT, &holder), texts), S_OK);
-    EXPECT_EQ(*text(0), u'b');
-    std::swap(text(0), text(1));
-    EXPECT_EQ(sorted(Ref(VT_ARRAY | VT_BSTR, &holder.parray), texts), S_OK);
-    EXPECT_EQ(*text(0), u'b');
+    const auto first = [&]() -> BSTR& { return *static_cast<BSTR*>(holder.parray->pvData); };
+    *(&first() + 1) = SysAllocString(u"b");
+    first() = SysAllocString(u"a");
+    const VARIANT direct = Ref(VT_ARRAY | VT_BSTR, &holder.parray);
+    const std::tuple<VARIANT, std::int32_t, HRESULT, char16_t> sorts[] = {
+        {direct, 0, S_FALSE, u'a'},
+        {holder, texts, S_OK, u'a'},  // a copy is sorted
+        {Ref(VT_VARIANT, &holder), texts, S_OK, u'b'},
+        {direct, texts, S_OK, u'b'}};
+    for (const auto& [array, handle, status, now] : sorts) {
+        EXPECT_EQ(sorted(array, handle), status);
+        EXPECT_EQ(*first(), now);
+        if (now == u'b') {
+            std::swap(first(), *(&first() + 1));
+        }
+    }
     VariantClear(&holder);
 
     std::int32_t data[] = {2, 1};

@@ -179,24 +179,24 @@ TEST_F(ItdClassesTest, DamagedFilesAreToldOrWalked) {
     };
     const std::string part = SampleTextPart();
     const std::string file = ReadFile(path.Text());
+    const auto packed = [&](std::string_view damaged) {
+        WriteItdFile(path.Text(), damaged);
+        return ReadFile(path.Text());
+    };
+    const auto changed = [](std::string whole, std::size_t at, int mask) {
+        whole[at] = static_cast<char>(whole[at] ^ mask);
+        return whole;
+    };
     for (std::size_t at = 0; at < file.size(); ++at) {
         EXPECT_FALSE(check(file.substr(0, at))) << at;
         for (const int mask : {0xFF, 0x80, 1}) {
-            std::string damaged = file;
-            damaged[at] = static_cast<char>(damaged[at] ^ mask);
-            check(damaged);
+            check(changed(file, at, mask));
         }
     }
     for (std::size_t at = 0; at < part.size(); ++at) {
-        const auto packed = [&](std::string_view damaged) {
-            WriteItdFile(path.Text(), damaged);
-            return ReadFile(path.Text());
-        };
         const bool wholeRecords = at >= part.size() - 3;  // only the footer is cut
         EXPECT_EQ(check(packed(part.substr(0, at))), wholeRecords) << at;
-        std::string damaged = part;
-        damaged[at] = static_cast<char>(~damaged[at]);
-        check(packed(damaged));
+        check(packed(changed(part, at, 0xFF)));
     }
 }
 

@@ -14,20 +14,12 @@ namespace {
 int living = 0;
 HRESULT startStatus = S_OK;
 
-template <class Value>
-HRESULT Give(Value* place, const Value& value) {
-    *place = value;
-    return S_OK;
-}
-
-class Stack : public Dual<ILongStack, DescribeLongStack> {
-  public:
-    Stack() { ++living; }
-    ~Stack() { --living; }
+struct Thing : RichErrors<IID_ILongSet> {
+    Thing() { ++living; }
+    ~Thing() { --living; }
     void* FindInterface(REFIID iid) noexcept {
-        ILongStack* const self = this;
-        return FindInTable(iid,
-                           {{IID_IUnknown, self}, {IID_IDispatch, self}, {IID_ILongStack, self}});
+        ISupportErrorInfo* const self = this;
+        return FindInTable(iid, {{IID_IUnknown, self}, {IID_ISupportErrorInfo, self}});
     }
     HRESULT Start() noexcept {
         // Handing a reference out and back during the start-up step must not end the object.
@@ -35,13 +27,6 @@ class Stack : public Dual<ILongStack, DescribeLongStack> {
         Release();
         return startStatus;
     }
-    HRESULT Push(std::int32_t value) noexcept override { return Give(&top, value); }
-    HRESULT Pop(std::int32_t* value) noexcept override { return Peek(value); }
-    HRESULT Peek(std::int32_t* value) noexcept override { return Give(value, top); }
-    HRESULT Contains(std::int32_t, VARIANT_BOOL*) noexcept override { return S_OK; }
-
-  private:
-    std::int32_t top = 0;
 };
 
 /// An outer object that owns an inner one and hands its interfaces out as its own.
@@ -60,47 +45,48 @@ void ExpectNothingLives() {
 
 TEST(ObjectTest, LivesAsLongAsItIsHeldAndLocksTheModule) {
     ExpectNothingLives();
-    ComPtr<ILongStack> stack;
-    ASSERT_EQ(CreateStandalone<Stack>(nullptr, IID_ILongStack, stack.OutVoid()), S_OK);
+    ComPtr<ISupportErrorInfo> thing;
+    ASSERT_EQ(CreateStandalone<Thing>(nullptr, IID_ISupportErrorInfo, thing.OutVoid()), S_OK);
     EXPECT_TRUE(IsModuleLocked());
-    auto dispatch = stack.As<IDispatch>(IID_IDispatch);
-    stack = {};
+    auto unknown = thing.As<IUnknown>(IID_IUnknown);
+    thing = {};
     EXPECT_EQ(living, 1);
     void* nothing = &living;
-    EXPECT_EQ(dispatch->QueryInterface(IID_ISupportErrorInfo, &nothing), E_NOINTERFACE);
+    EXPECT_EQ(unknown->QueryInterface(IID_IDispatch, &nothing), E_NOINTERFACE);
     EXPECT_EQ(nothing, nullptr);
-    EXPECT_EQ(dispatch->QueryInterface(IID_IUnknown, nullptr), E_POINTER);
-    dispatch = {};
+    EXPECT_EQ(unknown->QueryInterface(IID_IUnknown, nullptr), E_POINTER);
+    unknown = {};
     ExpectNothingLives();
 }
 
 TEST(ObjectTest, AFailedCreationLeavesNothing) {
     for (const auto& [start, iid, status] :
-         {std::tuple{HRESULT{E_FAIL}, IID_ILongStack, HRESULT{E_FAIL}},
+         {std::tuple{HRESULT{E_FAIL}, IID_ISupportErrorInfo, HRESULT{E_FAIL}},
           {S_OK, IID_ILongSet, E_NOINTERFACE}}) {
         startStatus = start;
         void* object = &living;
-        EXPECT_EQ(CreateStandalone<Stack>(nullptr, iid, &object), status);
+        EXPECT_EQ(CreateStandalone<Thing>(nullptr, iid, &object), status);
         EXPECT_EQ(object, nullptr);
     }
-    EXPECT_EQ(CreateStandalone<Stack>(nullptr, IID_ILongStack, nullptr), E_POINTER);
+    EXPECT_EQ(CreateStandalone<Thing>(nullptr, IID_ISupportErrorInfo, nullptr), E_POINTER);
     ExpectNothingLives();
 }
 
 TEST(ObjectTest, AggregationDelegatesToTheOuterObject) {
     Outer outer;
     void* object = &living;
-    EXPECT_EQ(CreateStandalone<Stack>(&outer, IID_IUnknown, &object), CLASS_E_NOAGGREGATION);
+    EXPECT_EQ(CreateStandalone<Thing>(&outer, IID_IUnknown, &object), CLASS_E_NOAGGREGATION);
     EXPECT_EQ(object, nullptr);
-    EXPECT_EQ(CreateAggregable<Stack>(&outer, IID_ILongStack, &object), CLASS_E_NOAGGREGATION);
-    ASSERT_EQ(CreateAggregable<Stack>(&outer, IID_IUnknown, outer.inner.OutVoid()), S_OK);
+    EXPECT_EQ(CreateAggregable<Thing>(&outer, IID_ISupportErrorInfo, &object),
+              CLASS_E_NOAGGREGATION);
+    ASSERT_EQ(CreateAggregable<Thing>(&outer, IID_IUnknown, outer.inner.OutVoid()), S_OK);
     EXPECT_EQ(outer.references, 0u) << "an inner object does not hold its outer one";
 
-    ComPtr<ILongStack> stack;
-    ASSERT_EQ(outer.QueryInterface(IID_ILongStack, stack.OutVoid()), S_OK);
+    ComPtr<ISupportErrorInfo> thing;
+    ASSERT_EQ(outer.QueryInterface(IID_ISupportErrorInfo, thing.OutVoid()), S_OK);
     EXPECT_EQ(outer.references, 1u) << "a public interface counts on the outer object";
-    EXPECT_EQ(stack.As<IUnknown>(IID_IUnknown).Get(), &outer);
-    stack = {};
+    EXPECT_EQ(thing.As<IUnknown>(IID_IUnknown).Get(), &outer);
+    thing = {};
     EXPECT_EQ(outer.references, 0u);
     EXPECT_EQ(living, 1);
     outer.inner = {};
@@ -108,7 +94,7 @@ TEST(ObjectTest, AggregationDelegatesToTheOuterObject) {
 }
 
 TEST(ClassFactoryTest, CountsTheCallersReferencesOnly) {
-    auto* const factory = new ClassFactory(CreateStandalone<Stack>);  // as the class table holds it
+    auto* const factory = new ClassFactory(CreateStandalone<Thing>);  // as the class table holds it
     EXPECT_FALSE(IsModuleLocked());
     IClassFactory* held = nullptr;
     ASSERT_EQ(factory->QueryInterface(IID_IClassFactory, reinterpret_cast<void**>(&held)), S_OK);
@@ -123,7 +109,8 @@ TEST(ClassFactoryTest, CountsTheCallersReferencesOnly) {
 
     Outer outer;
     void* object = &living;
-    EXPECT_EQ(factory->CreateInstance(&outer, IID_ILongStack, &object), CLASS_E_NOAGGREGATION);
+    EXPECT_EQ(factory->CreateInstance(&outer, IID_ISupportErrorInfo, &object),
+              CLASS_E_NOAGGREGATION);
     EXPECT_EQ(object, nullptr);
     factory->Release();
 }
