@@ -1,13 +1,12 @@
 #pragma once
 
-#include "extview/rtf/character_set.h"
+#include "extview/rtf/rtf_tables.h"
 #include "platform/code_pages/code_pages.h"
 #include "recording_reader.h"
 
 #include <algorithm>
 #include <climits>
 #include <cstdlib>
-#include <functional>
 #include <map>
 #include <set>
 #include <string>
@@ -17,15 +16,14 @@ namespace generalutilities::testing {
 
 /// The rules of the reader in their plainest form: a whole file in a string, looked at byte by
 /// byte, with every search made anew. It has no page borders and no bulk steps, and both must
-/// agree.
+/// agree. What the two tables say is read by the same functions.
 class ReferenceReader {
   public:
     std::string file;
     std::set<std::string> controlWords;
-    std::vector<Event> events;
-    std::function<bool(const Event&)> goesOn = [](const Event&) { return true; };
-    std::map<std::int32_t, std::int32_t> fontCodePages;
-    std::map<std::int32_t, std::string> styleNames;
+    Events events;
+    rtf::FontCodePages fontCodePages;
+    rtf::StyleNames styleNames;
     std::size_t position = 0;
 
     bool Prepare() {
@@ -34,11 +32,11 @@ class ReferenceReader {
         if (!Table("\\fonttbl", table, end)) {
             return false;
         }
-        ReadFonts(table);
+        rtf::ReadFontTable(table, fontCodePages);
         if (!Table("\\stylesheet", table, end)) {
             return false;
         }
-        ReadStyles(table);
+        rtf::ReadStyleSheet(table, styleNames);
         const std::size_t body = std::min(file.find("\\pard", end), file.find("\\intbl", end));
         for (position = 0; position < std::min(body, file.size());) {
             const char byte = file[position];
@@ -140,69 +138,6 @@ class ReferenceReader {
         return text.substr(offset, end - offset);
     }
 
-    void ReadFonts(const std::string& table) {
-        std::size_t at = 0;
-        while ((at = table.find("\\f", at)) != std::string::npos) {
-            const std::string font = Digits(table, at + 2);
-            if (!font.empty()) {
-                at = table.find("\\fcharset", at + 2);
-                if (at == std::string::npos) {
-                    return;
-                }
-                if (const std::string set = Digits(table, at + 9); !set.empty()) {
-                    fontCodePages[Number(font)] = rtf::CodePageOfCharacterSet(Number(set));
-                }
-            }
-            at = table.find(';', at);
-            if (at == std::string::npos) {
-                return;
-            }
-        }
-    }
-
-    void ReadStyles(const std::string& sheet) {
-        std::string name;
-        std::size_t at = 0;
-        while ((at = sheet.find('{', at)) != std::string::npos) {
-            const std::string rest = sheet.substr(at + 1);
-            const std::size_t end = Matching(rest, 0);
-            const std::string entry = rest.substr(0, end == std::string::npos ? end : end - 1);
-            at = end == std::string::npos ? sheet.size() : at + 1 + end;
-            const std::size_t slash = entry.find('\\');
-            if (slash == std::string::npos) {
-                continue;
-            }
-            std::string w = entry.substr(slash + 1);
-            std::string digits;
-            if (w.starts_with("s")) {
-                digits = Digits(w, 1);
-            } else if (w.starts_with("cs")) {
-                digits = Digits(w, 2);
-            } else if (w.starts_with("*")) {
-                w = w.substr(1);
-                while (w.starts_with("\r") || w.starts_with("\n")) {
-                    w = w.substr(1);
-                }
-                if (!w.starts_with("\\cs")) {
-                    continue;
-                }
-                digits = Digits(w, 3);
-            } else {
-                continue;
-            }
-            if (const std::size_t semicolon = entry.rfind(';'); semicolon != std::string::npos) {
-                name.clear();
-                for (std::size_t i = semicolon; i > 0; --i) {
-                    if (std::string(" \r\n").find(entry[i - 1]) != std::string::npos) {
-                        break;
-                    }
-                    name.insert(name.begin(), entry[i - 1]);
-                }
-            }
-            styleNames.emplace(Number(digits), name);
-        }
-    }
-
     std::size_t NameEnd(std::size_t offset) const {
         return std::min(file.find_first_of(" \\\r\n{}0123456789-", offset), file.size());
     }
@@ -265,7 +200,7 @@ class ReferenceReader {
                 std::min(Matching(file.substr(position), 0), file.size() - position) + position - 1;
         } else if (!Apply(word, argument) && controlWords.contains(word)) {
             sawWord = true;
-            return Keep(WordEvent(word, groups.back().style));
+            return events.OnControlWord(word, groups.back().style);
         }
         return true;
     }
@@ -335,7 +270,7 @@ class ReferenceReader {
         inCodes = true;
         sawWord = false;
         const auto at = static_cast<std::uint32_t>(position);
-        const bool result = Keep(TextEvent(run, runStart, at, groups.back().style));
+        const bool result = events.OnText(run, runStart, at, groups.back().style);
         runStart = at;
         return result;
     }
@@ -343,16 +278,11 @@ class ReferenceReader {
         run.clear();
         inCodes = false;
         const auto at = static_cast<std::uint32_t>(position);
-        const bool result = Keep(CodesEvent(runStart, at, sawWord, groups.back().style));
+        const bool result = events.OnCodes(runStart, at, sawWord, groups.back().style);
         sawWord = false;
         runStart = at;
         return result;
     }
-    bool Keep(Event event) {
-        events.push_back(std::move(event));
-        return goesOn(events.back());
-    }
-
     std::vector<Group> groups{Group{}};
     std::u16string run;
     std::uint32_t runStart = 0;

@@ -20,7 +20,7 @@ inline std::u16string TextOf(std::string_view body) {
     EXPECT_TRUE(reader.Open(FileOf(Head + "\\pard " + std::string(body) + "}")));
     EXPECT_TRUE(reader.Prepare());
     EXPECT_FALSE(reader.Parse());
-    return reader.Text();
+    return reader.events.text;
 }
 
 }  // namespace generalutilities::testing
