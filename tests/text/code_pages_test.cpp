@@ -125,7 +125,7 @@ TEST(CodePages, AnswerTheSameTwice) {
                 answer << Encode(*page, row[2]);
             } else {
                 for (std::size_t i = 0; i <= page->MeasureUnits(Bytes(row[2])); ++i) {
-                    answer << page->OffsetOfUnit(Bytes(row[2]), i) << " ";
+                    answer << page->OffsetOfUnit(Bytes(row[2]), i) << ",";
                 }
             }
             EXPECT_EQ(answer.str(), Bytes(row[3])) << testing::PrintToString(row);
