@@ -2,6 +2,7 @@
 #include <generalutilities/interfaces/class_ids.h>
 #include <generalutilities/interfaces/collections.h>
 
+#include "case_table.h"
 #include "frame/values.h"
 
 #include <algorithm>
@@ -23,8 +24,7 @@ std::int32_t CompareNumbers(const void* left, const void* right) {
 
 std::string log;
 
-/// Writes down which characters are compared. What is expected comes from a plain list program that
-/// was written from the description of the algorithm alone.
+/// Writes down which characters are compared.
 std::int32_t CompareAndTell(const void* left, const void* right) {
     const char a = *static_cast<const char*>(left);
     const char b = *static_cast<const char*>(right);
@@ -33,23 +33,12 @@ std::int32_t CompareAndTell(const void* left, const void* right) {
 }
 
 TEST(Sort, ComparesInItsFixedOrder) {
-    for (const auto& [text, expected] : std::vector<std::pair<std::string, std::string>>{
-             {"", ""},
-             {"b", ""},
-             {"ba", "ab "},
-             {"ab", "ba ba "},
-             {"cab", "ac ba bc ba "},
-             {"bca", "cb cb ab "},
-             {"bcabca", "cb cb ab ba bc bb ca cc aa ac ac ab ab aa "},
-             {"qwertyuiopasdfghjkl",
-              "qp ql pl qp pl wp pk ep rp pj tp ph yp pg up pf ip op pp pd ap sp kl ek je jl jk je "
-              "he hl hk hj he ge gl gk gj gh ge fe fl fk fj fh fg fe ie il ik ij ih oe ol de ad sa "
-              "so pa ps po ua us ya yu ta ty tu ts ry ru rt rs rp wy wu qy qw qu qt qs qr qp "}}) {
-        std::string sorted = text;
+    for (const auto& row : CaseTable("sort_orders.tsv")) {
+        std::string sorted = Bytes(row[0]);
         log.clear();
         SortElements(sorted.data(), 1, sorted.size(), CompareAndTell);
-        EXPECT_TRUE(std::is_sorted(sorted.begin(), sorted.end())) << text;
-        EXPECT_EQ(log, expected) << text;
+        EXPECT_TRUE(std::is_sorted(sorted.begin(), sorted.end())) << sorted;
+        EXPECT_EQ(log, Bytes(row[1]));
     }
 }
 

@@ -54,25 +54,27 @@ TEST(TableOrderTest, PublishedInterfacesKeepTheirs) {
                                   &IConnectionPoint::EnumConnections);
     ExpectTable<IConnectionPointContainer>(3, &IConnectionPointContainer::EnumConnectionPoints,
                                            &IConnectionPointContainer::FindConnectionPoint);
-    ExpectTable<ITypeInfo>(
-        3, &ITypeInfo::GetTypeAttr, &ITypeInfo::GetTypeComp, &ITypeInfo::GetFuncDesc,
-        &ITypeInfo::GetVarDesc, &ITypeInfo::GetNames, &ITypeInfo::GetRefTypeOfImplType,
-        &ITypeInfo::GetImplTypeFlags, &ITypeInfo::GetIDsOfNames, &ITypeInfo::Invoke,
-        &ITypeInfo::GetDocumentation, &ITypeInfo::GetDllEntry, &ITypeInfo::GetRefTypeInfo,
-        &ITypeInfo::AddressOfMember, &ITypeInfo::CreateInstance, &ITypeInfo::GetMops,
-        &ITypeInfo::GetContainingTypeLib, &ITypeInfo::ReleaseTypeAttr, &ITypeInfo::ReleaseFuncDesc,
-        &ITypeInfo::ReleaseVarDesc);
-    ExpectTable<ITypeLib>(3, &ITypeLib::GetTypeInfoCount, &ITypeLib::GetTypeInfo,
-                          &ITypeLib::GetTypeInfoType, &ITypeLib::GetTypeInfoOfGuid,
-                          &ITypeLib::GetLibAttr, &ITypeLib::GetTypeComp,
-                          &ITypeLib::GetDocumentation, &ITypeLib::IsName, &ITypeLib::FindName,
-                          &ITypeLib::ReleaseTLibAttr);
-    ExpectTable<IDictionary>(7, &IDictionary::putref_Item, &IDictionary::put_Item,
-                             &IDictionary::get_Item, &IDictionary::Add, &IDictionary::get_Count,
-                             &IDictionary::Exists, &IDictionary::Items, &IDictionary::put_Key,
-                             &IDictionary::Keys, &IDictionary::Remove, &IDictionary::RemoveAll,
-                             &IDictionary::put_CompareMode, &IDictionary::get_CompareMode,
-                             &IDictionary::get__NewEnum, &IDictionary::get_HashVal);
+    {
+        using I = ITypeInfo;
+        ExpectTable<I>(3, &I::GetTypeAttr, &I::GetTypeComp, &I::GetFuncDesc, &I::GetVarDesc,
+                       &I::GetNames, &I::GetRefTypeOfImplType, &I::GetImplTypeFlags,
+                       &I::GetIDsOfNames, &I::Invoke, &I::GetDocumentation, &I::GetDllEntry,
+                       &I::GetRefTypeInfo, &I::AddressOfMember, &I::CreateInstance, &I::GetMops,
+                       &I::GetContainingTypeLib, &I::ReleaseTypeAttr, &I::ReleaseFuncDesc,
+                       &I::ReleaseVarDesc);
+    }
+    {
+        using I = ITypeLib;
+        ExpectTable<I>(3, &I::GetTypeInfoCount, &I::GetTypeInfo, &I::GetTypeInfoType,
+                       &I::GetTypeInfoOfGuid, &I::GetLibAttr, &I::GetTypeComp, &I::GetDocumentation,
+                       &I::IsName, &I::FindName, &I::ReleaseTLibAttr);
+    }
+    {
+        using I = IDictionary;
+        ExpectTable<I>(7, &I::putref_Item, &I::put_Item, &I::get_Item, &I::Add, &I::get_Count,
+                       &I::Exists, &I::Items, &I::put_Key, &I::Keys, &I::Remove, &I::RemoveAll,
+                       &I::put_CompareMode, &I::get_CompareMode, &I::get__NewEnum, &I::get_HashVal);
+    }
 }
 
 }  // namespace
