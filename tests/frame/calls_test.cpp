@@ -1,4 +1,4 @@
-// Methods called straight through their tables, as data/calls.tsv lists them.
+// Methods called straight through their tables, as lists in data/ have them.
 
 #include <generalutilities/interfaces/class_ids.h>
 
@@ -7,6 +7,7 @@
 #include "itd/sample_file.h"
 #include "values.h"
 
+#include <cstring>
 #include <map>
 
 namespace generalutilities {
@@ -64,13 +65,16 @@ std::u16string Show(VARIANT value, const std::u16string& expected) {
         return bytes;
     }
     if ((value.vt & VT_ARRAY) != 0) {
-        VARTYPE type = VT_EMPTY;
-        EXPECT_EQ(SafeArrayGetVartype(value.parray, &type), S_OK);
-        std::u16string all = Text(Long(type));
-        for (std::int32_t i = 0;
-             i < static_cast<std::int32_t>(value.parray->rgsabound[0].cElements); ++i) {
-            VARIANT element = Of(type);
-            EXPECT_EQ(SafeArrayGetElement(value.parray, &i, &element.llVal), S_OK);
+        const SAFEARRAY& array = *value.parray;
+        const SAFEARRAYBOUND& bound = array.rgsabound[0];
+        VARIANT element{};
+        EXPECT_EQ(SafeArrayGetVartype(value.parray, &element.vt), S_OK);
+        std::u16string all = Text(Long(element.vt));
+        all += bound.lLbound == 0 ? u"" : u"/" + Text(Long(bound.lLbound));
+        const bool isVariant = element.vt == VT_VARIANT;
+        for (std::uint32_t i = 0; i < bound.cElements; ++i) {
+            std::memcpy(isVariant ? static_cast<void*>(&element) : &element.llVal,
+                        static_cast<char*>(array.pvData) + i * array.cbElements, array.cbElements);
             all += u" " + Text(element);
         }
         return all;
@@ -112,7 +116,9 @@ HRESULT Call(IUnknown* object, const Method& method, std::u16string* cells) {
     return status;
 }
 
-TEST(Calls, AnswerAsListed) {
+class Calls : public testing::TestWithParam<const char*> {};
+
+TEST_P(Calls, AnswerAsListed) {
     ComPtr<IUnknown> object;
     std::u16string name;
     const TemporaryFolder folder;  // with documents
@@ -120,7 +126,7 @@ TEST(Calls, AnswerAsListed) {
     for (const char16_t* const document : {u"a.itd", u"target-first.itd", u"copy.itd"}) {
         WriteItdFile(folder.Path(document), SampleTextPart(document[0] == u't'));
     }
-    for (auto row : CaseTable("calls.tsv")) {
+    for (auto row : CaseTable(GetParam())) {
         for (std::u16string& cell : row) {
             cell = cell.starts_with(u"{data}")     ? data + cell.substr(6)
                    : cell.starts_with(u"{folder}") ? folder.Path(cell.substr(9).c_str())
@@ -144,6 +150,7 @@ TEST(Calls, AnswerAsListed) {
         EXPECT_EQ(answer, row);
     }
 }
+INSTANTIATE_TEST_SUITE_P(Lists, Calls, testing::Values("calls.tsv", "dictionary_orders.tsv"));
 
 }  // namespace
 }  // namespace generalutilities
