@@ -122,7 +122,8 @@ void TwbReview::TakePlain(std::uint32_t from, std::uint32_t to, std::optional<ch
 void TwbReview::Fallback(std::int32_t style, std::uint32_t from, std::uint32_t to) {
     const Kind kind = KindOf(style);
     const std::uint32_t textBefore = std::exchange(textEnd, to);
-    const bool isParted = kind != runKind || textBefore != from;
+    const bool isParted =
+        kind != runKind || textBefore != from || (emptyEnd != 0 && textBefore == emptyEnd);
     if (isParted) {
         if (place == Place::Ended && !run.empty()) {
             // The end mark cannot go behind this text: its first character would be the fallback.
@@ -143,6 +144,7 @@ void TwbReview::Fallback(std::int32_t style, std::uint32_t from, std::uint32_t t
 
 /// Takes a text of no characters.
 void TwbReview::TakeEmpty(Kind kind, const Character& empty) {
+    emptyEnd = empty.end;
     if (place == Place::Identifier && kind == Kind::External) {
         identifier.push_back(empty);
     } else if (place == Place::Identifier) {

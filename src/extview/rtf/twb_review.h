@@ -104,6 +104,7 @@ class TwbReview {
     bool isBehindEnd = false;               ///< the run began with the end of a segment
     bool toldOutside = false;               ///< of text before the source of this segment
     std::uint32_t textEnd = 0;              ///< of the text that came last
+    std::uint32_t emptyEnd = 0;             ///< of the text of no characters that came last
     std::uint32_t leftEnd = 0;              ///< of the text that was left out last
     std::optional<std::uint32_t> lineEnds;  ///< where the line ends begin that it ends in
     std::uint64_t rowsDone = 0;
