@@ -21,12 +21,18 @@ inline void WriteNewFile(const std::u16string& path, std::string_view bytes) {
     WriteFile(path, bytes);
 }
 
+/// Puts a text part into a file whose envelope has its length at that offset.
+inline void PutTextPart(const std::u16string& path, std::uint32_t lengthOffset,
+                        std::string_view textPart) {
+    std::uint32_t packed = 0;
+    ASSERT_EQ(PackTextPart(path, lengthOffset + 4, textPart, packed), S_OK);
+    ASSERT_EQ(CloseTextPart(path, lengthOffset, packed, TextPartTrailer(textPart)), S_OK);
+}
+
 inline void WriteItdFile(const std::u16string& path, std::string_view textPart) {
     using namespace std::string_literals;
     WriteNewFile(path, "SDLXARCH\2\0\0\0v1\3\0\0\0fffopaque..\xF0\0\0\0\0"s);
-    std::uint32_t packed = 0;
-    ASSERT_EQ(PackTextPart(path, SampleLengthOffset + 4, textPart, packed), S_OK);
-    ASSERT_EQ(CloseTextPart(path, SampleLengthOffset, packed, TextPartTrailer(textPart)), S_OK);
+    PutTextPart(path, SampleLengthOffset, textPart);
 }
 
 /// A document from en-US to de-DE with codes, a comment and statuses, whose file may hold the

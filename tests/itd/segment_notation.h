@@ -1,12 +1,12 @@
 // Segments as tables of cases write them: records parted by "¦", each a letter for its kind, its
-// segment's number if that is not 7, a blank, and its text: "T one¦C <b>¦T two".
+// segment's number if that is not 7, a blank, and its text or ∅: "T one¦C <b>¦T ∅".
 
 #pragma once
 
 #include <generalutilities/itd/text_forms.h>
 #include <generalutilities/itd/text_part.h>
 
-#include <span>
+#include <algorithm>
 #include <string>
 #include <utility>
 #include <vector>
@@ -23,14 +23,16 @@ inline constexpr RecordKind RecordKinds[] = {
 
 inline std::vector<std::u16string> Split(std::u16string_view text, char16_t at) {
     std::vector<std::u16string> parts;
-    for (std::size_t end = 0; end != text.npos && !text.empty(); text.remove_prefix(end + 1)) {
-        end = text.find(at);
+    while (!text.empty()) {
+        const std::size_t end = std::min(text.find(at), text.size());
         parts.emplace_back(text.substr(0, end));
-        if (end == text.npos) {
-            break;
-        }
+        text.remove_prefix(std::min(end + 1, text.size()));
     }
     return parts;
+}
+
+inline std::uint32_t KindOf(char16_t letter) {
+    return std::ranges::find(RecordKinds, letter, &RecordKind::letter)->f2;
 }
 
 inline ItdSegment SegmentOf(ItdDocument& document, std::u16string_view notation,
@@ -38,11 +40,8 @@ inline ItdSegment SegmentOf(ItdDocument& document, std::u16string_view notation,
     std::vector<ItdRecord> records;
     const std::vector<std::u16string> parts = Split(notation, u'¦');
     for (const std::u16string& part : parts) {
-        for (const RecordKind& kind : RecordKinds) {
-            if (kind.letter == part[0]) {
-                records.push_back({{0, kind.f2, 0, sid}, std::u16string_view(part).substr(2)});
-            }
-        }
+        const std::u16string_view text = std::u16string_view(part).substr(2);
+        records.push_back({{0, KindOf(part[0]), 0, sid}, text == u"∅" ? u"" : text});
     }
     return document.Store(records);
 }
@@ -57,30 +56,25 @@ inline std::u16string NotationOf(const ItdSegment& segment) {
         if (record.block.sid != 7) {
             notation += static_cast<char16_t>(u'0' + record.block.sid);
         }
-        (notation += u' ') += record.text;
+        (notation += u' ') += record.text.empty() ? u"∅" : record.text;
     }
     return notation;
 }
 
-/// Code strings with heads as "[T]" and the tags of texts as "‹" and "›": to their own form, or
-/// back.
-inline std::u16string CodeString(std::u16string text, bool back = false) {
-    std::vector<std::pair<std::u16string, std::u16string>> pairs = {{u"‹", u"<ut>"},
-                                                                    {u"›", u"</ut>"}};
-    for (const RecordKind& kind : RecordKinds) {
-        std::u16string tag;
-        AppendBlockTag(tag, {0, kind.f2, 0, 7});
-        pairs.emplace_back(std::u16string(u"[") + kind.letter + u']', tag);
-    }
-    for (auto& [from, to] : pairs) {
-        if (back) {
-            std::swap(from, to);
-        }
-        for (std::size_t at = 0; (at = text.find(from, at)) != text.npos; at += to.size()) {
-            text.replace(at, from.size(), to);
+/// A code string from one with heads as "[T]" and the tags of texts as "‹" and "›".
+inline std::u16string CodeString(std::u16string_view notation) {
+    std::u16string codes;
+    for (std::size_t i = 0; i < notation.size(); ++i) {
+        if (notation[i] == u'[') {
+            AppendBlockTag(codes, {0, KindOf(notation[i + 1]), 0, 7});
+            i += 2;
+        } else {
+            codes += notation[i] == u'‹'   ? u"<ut>"
+                     : notation[i] == u'›' ? u"</ut>"
+                                           : notation.substr(i, 1);
         }
     }
-    return text;
+    return codes;
 }
 
 }  // namespace generalutilities

@@ -136,6 +136,8 @@ class ItdSegment {
     std::u16string_view Stored() const { return stored; }
     Iterator begin() const { return Iterator(stored); }
     std::default_sentinel_t end() const { return {}; }
+    /// Whether the records are the same, stored in the same form.
+    friend bool operator==(const ItdSegment&, const ItdSegment&) = default;
 
   private:
     std::u16string_view stored;

@@ -58,10 +58,6 @@ void CopyEnvelope(std::u16string_view reference, const ItdArchiveHeader& archive
     }
 }
 
-bool SameRecords(const std::vector<ItdSegment>& a, const std::vector<ItdSegment>& b) {
-    return std::ranges::equal(a, b, {}, &ItdSegment::Stored, &ItdSegment::Stored);
-}
-
 }  // namespace
 
 std::string ReadItdTextPart(std::u16string_view path, ItdArchiveHeader& archive) {
@@ -128,8 +124,8 @@ void WriteItdCopy(std::u16string_view reference, ItdFile& file, std::u16string_v
 
     const ItdFile written = ReadItdFile(path);
     if (written.isReversed != file.isReversed ||
-        !SameRecords(written.document.sourceSegments, document.sourceSegments) ||
-        !SameRecords(written.document.targetSegments, document.targetSegments) ||
+        written.document.sourceSegments != document.sourceSegments ||
+        written.document.targetSegments != document.targetSegments ||
         written.document.headerBytes != document.headerBytes ||
         written.document.commentStrings != document.commentStrings ||
         written.document.footerBytes != document.footerBytes) {
