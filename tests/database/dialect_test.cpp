@@ -11,18 +11,6 @@ using sqlite::Translation;
 
 class Dialect : public ProjectTest {};
 
-TEST_F(Dialect, ExpressionsKeepTheirMeaning) {
-    for (const auto& row : CaseTable("expressions.tsv")) {
-        const std::u16string value = row[1].substr(1);
-        EXPECT_EQ(Value(u"SELECT " + row[0] + u" As x"),
-                  row[1][0] == u'T'   ? Text(value)
-                  : row[1][0] == u'L' ? FieldValue(Number(value))
-                  : row[1][0] == u'D' ? FieldValue(std::stod(Bytes(value)))
-                                      : FieldValue())
-            << Bytes(row[0]);
-    }
-}
-
 TEST(DialectText, QueriesThatDifferInLiteralsHaveOneText) {
     Translation first;
     Translation second;
@@ -52,36 +40,6 @@ TEST(DialectText, SaysWhatIsWrongAndWhere) {
         EXPECT_FALSE(Translate(row[0], translation, problem)) << Bytes(row[0]);
         EXPECT_NE(problem.find(Bytes(row[1])), std::string::npos) << problem;
     }
-}
-
-TEST_F(Dialect, OrderByTakesNamesAliasesAndPositions) {
-    AddRows(3);
-    Run(u"UPDATE Pairs SET Target_1036 = Status_1036 * 5 Mod 7, FileID = 5, Source = 'x' & ID, "
-        u"Status_1036 = 10 - Status_1036");  // targets: 5, 3, 1
-    struct Case {
-        const char16_t* query;
-        const char16_t* first;
-    };
-    for (const Case& c :
-         {Case{u"SELECT ID FROM Pairs ORDER BY Status_1036", u"r3"},
-          Case{u"SELECT ID, Target_1036 As Target FROM Pairs ORDER BY Target", u"r3"},
-          Case{u"SELECT FileID, Target_1036, ID FROM Pairs ORDER BY 1, 2 DESC", u"r1"},
-          Case{u"SELECT ID, Target_1036 As Source FROM Pairs ORDER BY Source", u"r3"},
-          Case{u"SELECT ID FROM Pairs ORDER BY Source", u"r1"}}) {
-        const auto rows = Query(c.query);
-        EXPECT_EQ(TextOf(*rows, u"ID"), c.first) << files::ToUtf8Lossy(c.query);
-        EXPECT_TRUE(rows->Edit());  // and is a live dynaset all the same
-    }
-}
-
-TEST_F(Dialect, BracketedNamesMayHoldAnything) {
-    Run(u"CREATE TABLE [a \"b\" \\ Mod \u4E2D] ([select] TEXT, [x'y] LONG)");
-    Run(u"INSERT INTO [a \"b\" \\ Mod \u4E2D] ([select], [x'y]) VALUES ('1', 2)");
-    const auto rows = Query(u"SELECT [x'y] FROM [a \"b\" \\ Mod \u4E2D] WHERE [select] = '1'");
-    EXPECT_EQ(rows->GetValue(*rows->FieldIndex(u"X'Y")), FieldValue(2));
-    // A name that is missing is an error and no text of that spelling.
-    EXPECT_FALSE(database->OpenRecordset(u"SELECT [nothing] FROM Pairs", RecordsetType::Dynaset));
-    EXPECT_EQ(FailureKind(), DatabaseFailure::Kind::NotFound);
 }
 
 TEST_F(Dialect, DeepNestingEndsInAFailureAndNotInACrash) {

@@ -16,7 +16,11 @@ namespace generalutilities {
 /// A small project in a file of its own: `Pairs` with the index iID, `Files`, no rows.
 class ProjectTest : public testing::Test {
   protected:
-    ProjectTest() : path(folder.Path(u"project.gu")) {
+    ProjectTest() : path(folder.Path(u"project.gu")) { CreateAnew(); }
+
+    void CreateAnew() {
+        database.reset();
+        std::filesystem::remove(path);
         database = Open(path, OpenMode::Create);
         Run(u"CREATE TABLE Pairs (ID TEXT(50), Source MEMO, Source2Index TEXT(50), "
             u"Target_1036 MEMO, Status_1036 LONG, Done YESNO, FileID LONG, Selected BOOLEAN)");

@@ -12,8 +12,10 @@ namespace generalutilities {
 /// Another program's connection to a file, for locks and for files that are not ours.
 class RawFile {
   public:
+    /// Goes around a file system that tests put in front of SQLite's own.
     explicit RawFile(std::u16string_view path) {
-        sqlite3_open(files::ToNativePath(path).c_str(), &handle);
+        sqlite3_open_v2(files::ToNativePath(path).c_str(), &handle,
+                        SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, "unix");
     }
     ~RawFile() { sqlite3_close(handle); }
     RawFile(const RawFile&) = delete;
@@ -24,15 +26,20 @@ class RawFile {
             << sql << ": " << sqlite3_errmsg(handle);
     }
 
-    /// The first value of a query's first row.
-    std::string Value(const std::string& sql) {
-        std::string value;
-        const auto keep = [](void* kept, int, char** values, char**) {
-            *static_cast<std::string*>(kept) = values[0] != nullptr ? values[0] : "(null)";
+    /// What the rows of a query hold, one line a row; the message in its place if it fails.
+    std::string Rows(const std::string& sql) {
+        std::string all;
+        const auto add = [](void* out, int count, char** values, char**) {
+            for (int i = 0; i < count; ++i) {
+                *static_cast<std::string*>(out) +=
+                    std::string(values[i] ? values[i] : "NULL") + "|";
+            }
+            *static_cast<std::string*>(out) += "\n";
             return 0;
         };
-        EXPECT_EQ(sqlite3_exec(handle, sql.c_str(), keep, &value, nullptr), SQLITE_OK) << sql;
-        return value;
+        return sqlite3_exec(handle, sql.c_str(), add, &all, nullptr) == SQLITE_OK
+                   ? all
+                   : sqlite3_errmsg(handle);
     }
 
     /// The handle, for an owner that closes it.

@@ -21,8 +21,6 @@ namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
-using testing_support::PairRow;
-using testing_support::TestProject;
 
 constexpr std::int32_t SourceLanguage = 1033;
 constexpr std::int32_t TargetLanguage = 1036;

@@ -16,10 +16,6 @@
 namespace generalutilities {
 namespace {
 
-using testing_support::MemoryFactory;
-using testing_support::TestProject;
-using testing_support::Written;
-
 constexpr ExportColors Colors = {.guaranteed = 0x010203,
                                  .exact = 0x040506,
                                  .fuzzy = 0x070809,

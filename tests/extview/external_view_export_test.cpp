@@ -18,11 +18,6 @@ namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
-using testing_support::MemoryFactory;
-using testing_support::PairRow;
-using testing_support::PercentList;
-using testing_support::TestProject;
-using testing_support::Written;
 
 class RecordingExport final : public CExternalViewExport {
   public:

@@ -25,25 +25,6 @@ TEST(RtfEscape, Texts) {
     }
 }
 
-TEST(RtfEscape, EachAsciiUnit) {
-    for (char16_t unit = 0; unit < 0x80; ++unit) {
-        std::u16string expected(1, unit);
-        if (unit == u'\r' || unit == u'\n') {
-            expected = u"\\par";
-        } else if (unit == u'\t') {
-            expected = u"\\tab";
-        } else if (unit == u'{' || unit == u'}' || unit == u'\\') {
-            expected = std::u16string(u"\\") + unit;
-        } else if (unit < 0x20) {
-            char hex[8];
-            std::snprintf(hex, sizeof hex, "\\'%02X", static_cast<unsigned>(unit));
-            expected = std::u16string(hex, hex + 4);
-        }
-        EXPECT_EQ(Escape(std::u16string(1, unit)), expected) << static_cast<int>(unit);
-    }
-    EXPECT_EQ(Escape(u"\x80"), u"\\uc0\\u128 ");
-}
-
 TEST(RtfEscape, FindsTheSameByBlocksAsUnitByUnit) {
     if (!HasAvx2()) {
         GTEST_SKIP() << "no processor for the vector form";

@@ -16,7 +16,7 @@
 #include <vector>
 
 /// A project in a file of its own, filled row by row, and the ends of an export that tests look at.
-namespace generalutilities::testing_support {
+namespace generalutilities {
 
 struct PairRow {
     std::u16string id;
@@ -84,14 +84,10 @@ class TestProject {
     std::vector<std::u16string> DoneRows() {
         DaoRecordset rows;
         std::vector<std::u16string> done;
-        if (rows.Open(*opened, u"SELECT ID, Done FROM Pairs", true) && !rows.IsEmpty()) {
-            rows.BindField(1, u"ID");
-            rows.BindField(2, u"Done");
-            do {
-                if (rows.GetBool(2)) {
-                    done.emplace_back(rows.GetString(1).value_or(std::u16string_view()));
-                }
-            } while (rows.MoveNext());
+        rows.Open(*opened, u"SELECT ID FROM Pairs WHERE Done = True", true);
+        rows.BindField(1, u"ID");
+        for (bool more = !rows.IsEmpty(); more; more = rows.MoveNext()) {
+            done.emplace_back(rows.GetString(1).value_or(std::u16string_view()));
         }
         return done;
     }
@@ -124,36 +120,30 @@ struct Written {
 /// A factory of streams that keep everything in memory.
 class MemoryFactory final : public TextFileFactory {
   public:
-    explicit MemoryFactory(Written& target, bool failing = false)
-        : written(target), writesFail(failing) {}
+    explicit MemoryFactory(Written& target) : written(target) {}
 
     std::unique_ptr<TextFileStream> OpenTextFile(std::u16string_view path,
                                                  TextFileFormat format) override {
         written = {.path = std::u16string(path), .format = format};
-        return std::make_unique<Stream>(written, writesFail);
+        return std::make_unique<Stream>(written);
     }
 
   private:
     class Stream final : public TextFileStream {
       public:
-        Stream(Written& target, bool failing) : written(target), writesFail(failing) {}
+        explicit Stream(Written& target) : written(target) {}
         ~Stream() override { written.released = true; }
         bool Write(std::u16string_view text) override {
             written.pieces.emplace_back(text);
-            return !writesFail;
+            return true;
         }
-        bool Close() override {
-            written.closed = true;
-            return !writesFail;
-        }
+        bool Close() override { return written.closed = true; }
 
       private:
         Written& written;
-        const bool writesFail;
     };
 
     Written& written;
-    const bool writesFail;
 };
 
-}  // namespace generalutilities::testing_support
+}  // namespace generalutilities

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "database/raw_file.h"
 #include "database/temporary_folder.h"
 #include "faulty_vfs.h"
 #include "rtf/sample_head.h"
@@ -20,44 +21,10 @@ struct Contents {
     friend bool operator==(const Contents&, const Contents&) = default;
 };
 
-/// What the rows of a query hold, one line a row; the message in its place if it fails.
-inline std::string Rows(sqlite3* database, const char* query) {
-    std::string all;
-    const auto add = [](void* out, int count, char** values, char**) {
-        for (int i = 0; i < count; ++i) {
-            *static_cast<std::string*>(out) += std::string(values[i] ? values[i] : "NULL") + "|";
-        }
-        *static_cast<std::string*>(out) += "\n";
-        return 0;
-    };
-    return sqlite3_exec(database, query, add, &all, nullptr) == SQLITE_OK
-               ? all
-               : sqlite3_errmsg(database);
-}
-
-/// Around the faulty file system, so that a half-done import is undone as by any other program.
-class PlainConnection {
-  public:
-    explicit PlainConnection(const std::string& path) {
-        sqlite3_open_v2(path.c_str(), &handle, SQLITE_OPEN_READWRITE, "unix");
-        sqlite3_busy_timeout(handle, 2000);
-    }
-    ~PlainConnection() { sqlite3_close(handle); }
-    PlainConnection(const PlainConnection&) = delete;
-    PlainConnection& operator=(const PlainConnection&) = delete;
-    sqlite3* Get() const { return handle; }
-
-  private:
-    sqlite3* handle = nullptr;
-};
-
 class Project {
   public:
     /// `rows` segments with texts of `textSize` letters.
     Project(int rows, std::size_t textSize) {
-        sqlite3* database = nullptr;
-        sqlite3_open_v2(original.c_str(), &database, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE,
-                        "unix");
         std::string sql =
             "PRAGMA synchronous = OFF; BEGIN;"
             "CREATE TABLE Pairs(ID TEXT, Source TEXT, Source2Index TEXT, Target_1036 TEXT, "
@@ -76,8 +43,7 @@ class Project {
             rtf += "{\\pard\\intbl " + id + "}\\cell " + text + "\\cell " + text +
                    (i % 2 == 0 ? "" : " changed") + "\\cell\\row\n";
         }
-        EXPECT_EQ(Rows(database, (sql + "COMMIT").c_str()), "");
-        sqlite3_close(database);
+        RawFile(folder.Path(u"original.gu")).Run(sql + "COMMIT");
         WriteFile(reviewed, rtf + "}");
         Restore();
     }
@@ -90,15 +56,14 @@ class Project {
     }
 
     Contents Look() const {
-        const PlainConnection database(path);
-        return {Rows(database.Get(), "SELECT * FROM Pairs"),
-                Rows(database.Get(), "SELECT * FROM Reimporting"),
-                Rows(database.Get(), "PRAGMA integrity_check")};
+        RawFile file(Path());
+        file.Run("PRAGMA busy_timeout = 2000");
+        return {file.Rows("SELECT * FROM Pairs"), file.Rows("SELECT * FROM Reimporting"),
+                file.Rows("PRAGMA integrity_check")};
     }
 
     std::u16string Path() const { return folder.Path(u"project.gu"); }
     std::u16string Reviewed() const { return folder.Path(u"reviewed.rtf"); }
-    const std::string& NativePath() const { return path; }
 
   private:
     TemporaryFolder folder;
