@@ -5,6 +5,8 @@
 namespace generalutilities {
 namespace {
 
+using namespace std::string_literals;
+
 /// Texts of which no unit may be lost on the way into a project and out again.
 const std::u16string OddTexts[] = {u"\xD800",
                                    u"\xDC00x\xD83D\xDE00",
@@ -37,23 +39,19 @@ TEST(CreateProject, KeepsEveryUnitOfItsRows) {
     EXPECT_EQ(folder.FileCount(), 1U) << "nothing else is left beside the project";
 
     const auto project = OpenProject(folder.Path(u"p"));
-    const auto pairs =
-        project->OpenRecordset(u"SELECT * FROM Pairs ORDER BY ID", RecordsetType::Dynaset);
-    ASSERT_NE(pairs, nullptr);
-    const auto text = [&](std::u16string_view column) {
-        const FieldValue value = pairs->GetValue(pairs->FieldIndex(column).value());
-        const auto* view = std::get_if<std::u16string_view>(&value);
-        return view == nullptr ? u"(null)" : std::u16string(*view);
-    };
-    for (const std::u16string& expected : OddTexts) {
-        EXPECT_EQ(text(u"Source"), expected);
-        EXPECT_EQ(text(u"Target_1036"), expected + u"1");
-        EXPECT_EQ(text(u"Comments_1036"), expected + u"2");
-        EXPECT_EQ(text(u"Target_1041"), u"(null)");
-        EXPECT_EQ(text(u"Source2Index"), MakeSourceKey(expected, 2057));
-        pairs->MoveNext();
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        const std::u16string& text = rows[i].source;
+        for (const auto& [column, expected] :
+             {std::pair(u"Source", text), std::pair(u"Target_1036", text + u"1"),
+              std::pair(u"Comments_1036", text + u"2"), std::pair(u"Target_1041", u"(null)"s),
+              std::pair(u"Source2Index", MakeSourceKey(text, 2057))}) {
+            EXPECT_EQ(
+                QueryText(*project, u"SELECT "s + column + u" FROM Pairs WHERE ID = '" +
+                                        files::FromUtf8(std::to_string(1'000'001 + i)).substr(1) +
+                                        u"'"),
+                expected);
+        }
     }
-    EXPECT_TRUE(pairs->Eof());
     EXPECT_EQ(QueryText(*project, u"SELECT sLang FROM Stamp"), u"9");
     EXPECT_EQ(QueryText(*project, u"SELECT sSubLang FROM Stamp"), u"2");
     EXPECT_EQ(QueryText(*project, u"SELECT FileSpec FROM Files WHERE ID = 1"), u"app/main.txt");
@@ -69,18 +67,9 @@ TEST(CreateProject, KeepsEveryUnitOfItsRows) {
 
 TEST(CreateProject, NumbersRowsSoThatTextOrderIsTheirOrder) {
     const TemporaryFolder folder;
-    std::vector<NewProjectRow> rows(1200000 / 1000, MakeRow(u"x", {{}}));
-    class Many final : public RowSource {  // claims more rows than six digits can number
-      public:
-        explicit Many(std::vector<NewProjectRow> given) : inner({1036}, std::move(given)) {}
-        const std::vector<std::int32_t>& Languages() const override { return inner.Languages(); }
-        std::uint64_t RowsAtMost() const override { return 12345678; }
-        bool Next(NewProjectRow& row) override { return inner.Next(row); }
-
-      private:
-        FixedRows inner;
-    };
-    CreateProject(folder.Path(u"p"), Sources(std::make_unique<Many>(rows)), {});
+    const std::vector<NewProjectRow> rows(1200, MakeRow(u"x", {{}}));
+    CreateProject(folder.Path(u"p"),
+                  Sources(std::make_unique<FixedRows>(std::vector{1036}, rows, 12345678)), {});
     const auto project = OpenProject(folder.Path(u"p"));
     EXPECT_EQ(QueryText(*project, u"SELECT ID FROM Pairs ORDER BY ID"), u"00000001");
     EXPECT_EQ(QueryText(*project, u"SELECT ID FROM Pairs ORDER BY ID DESC"), u"00001200");

@@ -24,10 +24,12 @@ inline std::u16string DataFile(std::u16string_view name) {
 /// Rows that a test made.
 class FixedRows final : public RowSource {
   public:
-    FixedRows(std::vector<std::int32_t> languageIds, std::vector<NewProjectRow> fixedRows)
-        : languages(std::move(languageIds)), rows(std::move(fixedRows)) {}
+    /// Claims to have at least as many rows as `rowsClaimed`.
+    FixedRows(std::vector<std::int32_t> languageIds, std::vector<NewProjectRow> fixedRows,
+              std::size_t rowsClaimed = 0)
+        : languages(std::move(languageIds)), rows(std::move(fixedRows)), claimed(rowsClaimed) {}
     const std::vector<std::int32_t>& Languages() const override { return languages; }
-    std::uint64_t RowsAtMost() const override { return rows.size(); }
+    std::uint64_t RowsAtMost() const override { return std::max(rows.size(), claimed); }
     bool Next(NewProjectRow& row) override {
         if (position == rows.size()) {
             return false;
@@ -39,6 +41,7 @@ class FixedRows final : public RowSource {
   private:
     std::vector<std::int32_t> languages;
     std::vector<NewProjectRow> rows;
+    std::size_t claimed;
     std::size_t position = 0;
 };
 
