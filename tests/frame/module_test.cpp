@@ -61,21 +61,21 @@ TEST(ClassObjectTest, AnswersByTheClassTable) {
 }
 
 TEST(ClassObjectTest, ObjectsOfferTheirInterfacesAndNoOther) {
-    enum { Errors = 1, Events = 2 };
+    enum { Errors = 1, Events = 2, Inner = 4 };
     const struct {
         const CLSID& clsid;
         const IID& standard;
         int others;
     } table[] = {{CLSID_StringUtils, IID_IStringUtils, Errors},
                  {CLSID_ExtViewHelper, IID_IExtViewHelper, Errors | Events},
-                 {CLSID_LongSet, IID_ILongSet, 0},
+                 {CLSID_LongSet, IID_ILongSet, Inner},
                  {CLSID_LongStack, IID_ILongStack, 0},
                  {CLSID_qlnDictionary, IID_IQLNDictionary, 0},
                  {CLSID_QLNSort, IID_IQLNSort, Errors},
                  {CLSID_CodePageHelper, IID_ICodePageHelper, Errors},
                  {CLSID_Dictionary, IID_IDictionary, 0},
                  {CLSID_ITDReader, IID_IITDReader, Errors},
-                 {CLSID_ITDWriter, IID_IITDWriter, Errors},
+                 {CLSID_ITDWriter, IID_IITDWriter, Errors | Inner},
                  {CLSID_UDrawText, IID_IUDrawText, 0}};
     for (const auto& row : table) {
         const auto object = Create<IUnknown>(row.clsid, IID_IUnknown);
@@ -87,6 +87,10 @@ TEST(ClassObjectTest, ObjectsOfferTheirInterfacesAndNoOther) {
         EXPECT_EQ(offers(IID_ISupportErrorInfo), (row.others & Errors) != 0);
         EXPECT_EQ(offers(IID_IConnectionPointContainer), (row.others & Events) != 0);
         EXPECT_FALSE(offers(IID_IClassFactory) || offers(DIID__IExtViewHelperEvents));
+        Local<IUnknown> outer;
+        ComPtr<IUnknown> inner;
+        EXPECT_EQ(CoCreateInstance(row.clsid, &outer, 1, IID_IUnknown, inner.OutVoid()),
+                  (row.others & Inner) != 0 ? S_OK : CLASS_E_NOAGGREGATION);
         if (const auto errors = object.As<ISupportErrorInfo>(IID_ISupportErrorInfo)) {
             EXPECT_EQ(errors->InterfaceSupportsErrorInfo(row.standard), S_OK);
             EXPECT_EQ(errors->InterfaceSupportsErrorInfo(IID_IDispatch), S_FALSE);
