@@ -1,12 +1,7 @@
 #include "extview/external_view_import.h"
 
 #include "case_table.h"
-#include "extview/rtf/rtf_import.h"
-#include "platform/database/sqlite/connection.h"
-#include "sample_head.h"
 #include "text/decimal.h"
-
-#include <functional>
 
 namespace generalutilities {
 namespace {
@@ -21,24 +16,28 @@ std::vector<std::u16string> Split(std::u16string_view text, std::u16string_view 
     return parts;
 }
 
+enum class Fault { None, Opening, Header, DamagedHeader, DamagedRows, NoMemory };
+
 /// A reviewed "file" that is a list of rows, "id|source|target|comments|status" of which the last
-/// two may be missing, and that can fail in each of its operations.
+/// two may be missing, and that can fail.
 class ListImport : public CExternalViewImport {
   public:
     explicit ListImport(std::u16string_view content) : rows(Split(content, u" / ")) {}
 
     bool OpenFile() override {
-        isOpen = opens;
+        isOpen = fault != Fault::Opening;
         next = 0;
-        return opens;
+        return isOpen;
     }
     void CloseFile() override { isOpen = false; }
-    bool ReadHeader() override { return hasHeader; }
+    bool ReadHeader() override { return fault != Fault::Header && fault != Fault::DamagedHeader; }
     bool NextRow(std::u16string& id, std::u16string& source, std::u16string& target,
                  std::u16string& comments, std::int32_t& status) override {
         EXPECT_TRUE(isOpen);
-        beforeRow(next);
-        if (next == rows.size()) {
+        if (next == 1 && fault == Fault::NoMemory) {
+            throw std::bad_alloc();
+        }
+        if (next == rows.size() || (next == 1 && fault == Fault::DamagedRows)) {
             return false;
         }
         auto cells = Split(rows[next++] + u"|", u"|");
@@ -49,16 +48,15 @@ class ListImport : public CExternalViewImport {
         status = cells.size() > 4 ? Number(cells[4]) : status;
         return true;
     }
-    bool FileIsDamaged() const override { return isDamaged; }
+    bool FileIsDamaged() const override {
+        return fault == Fault::DamagedHeader || fault == Fault::DamagedRows;
+    }
 
-    std::vector<std::u16string> rows;
-    std::function<void(std::size_t)> beforeRow = [](std::size_t) {};
-    bool opens = true;
-    bool hasHeader = true;
-    bool isDamaged = false;
+    Fault fault = Fault::None;
     bool isOpen = false;
 
   private:
+    std::vector<std::u16string> rows;
     std::size_t next = 0;
 };
 
@@ -94,7 +92,9 @@ constexpr const char16_t* Earlier = u"1|one|one|-|eins|eins|-||accept|1";
 /// A project with four rows for language 1036, and the outcome of an earlier import.
 class ExternalViewImport : public ::testing::Test {
   protected:
-    ExternalViewImport() : database(Open(OpenMode::Create)) {
+    ExternalViewImport() {
+        DatabaseFailure failure;
+        database = OpenDatabase(folder.Path(u"project.db"), OpenMode::Create, failure);
         for (const char16_t* query : {
                  u"CREATE TABLE Pairs (ID TEXT(50), Source MEMO, Target_1036 MEMO, "
                  u"Status_1036 LONG, Comments_1036 MEMO)",
@@ -110,10 +110,6 @@ class ExternalViewImport : public ::testing::Test {
         EXPECT_EQ(Run(u"1|one|eins"), Earlier);
     }
 
-    std::unique_ptr<Database> Open(OpenMode mode = OpenMode::ReadWrite) const {
-        DatabaseFailure failure;
-        return OpenDatabase(folder.Path(u"project.db"), mode, failure);
-    }
     /// Imports rows, and gives the working table.
     std::u16string Run(std::u16string_view rows, std::int32_t language = 1036) {
         ListImport import(rows);
@@ -124,8 +120,6 @@ class ExternalViewImport : public ::testing::Test {
 
     TemporaryFolder folder;
     std::unique_ptr<Database> database;
-    static constexpr std::u16string_view TwoRows = u"2|two| / 3|x|y";
-    ListImport twoRows{TwoRows};
 };
 
 TEST_F(ExternalViewImport, LaysTheFileBesideTheProject) {
@@ -139,75 +133,24 @@ TEST_F(ExternalViewImport, LaysTheFileBesideTheProject) {
 }
 
 TEST_F(ExternalViewImport, WhateverGoesWrongLeavesTheEarlierTable) {
-    const std::pair<std::function<void(ListImport&)>, HRESULT> cases[] = {
-        {[](ListImport& import) { import.opens = false; }, everrUnableToOpenFile},
-        {[](ListImport& import) { import.hasHeader = false; }, everrNotEnoughFieldsPresent},
-        {[](ListImport& import) { import.hasHeader = !(import.isDamaged = true); }, E_FAIL},
-        {[](ListImport& import) {
-            import.rows.resize(1);
-            import.beforeRow = [&](std::size_t row) { import.isDamaged = row == 1;
-        };
-}
-, E_FAIL
-}
-,
-};
-for (const auto& [breakIt, status] : cases) {
-    ListImport import(TwoRows);
-    breakIt(import);
-    EXPECT_EQ(import.RunImport(*database, u"", 1036), status);
+    ListImport import(u"2|two| / 3|x|y");
+    for (const auto& [fault, status] :
+         {std::pair{Fault::Opening, static_cast<HRESULT>(everrUnableToOpenFile)},
+          {Fault::Header, static_cast<HRESULT>(everrNotEnoughFieldsPresent)},
+          {Fault::DamagedHeader, E_FAIL},
+          {Fault::DamagedRows, E_FAIL}}) {
+        import.fault = fault;
+        EXPECT_EQ(import.RunImport(*database, u"", 1036), status);
+        EXPECT_FALSE(import.isOpen);
+        EXPECT_EQ(Reimporting(*database), Earlier);
+    }
+    import.fault = Fault::NoMemory;
+    EXPECT_THROW(import.RunImport(*database, u"", 1036), std::bad_alloc);
     EXPECT_FALSE(import.isOpen);
     EXPECT_EQ(Reimporting(*database), Earlier);
-}
-const auto beforeRow = std::exchange(twoRows.beforeRow, [](std::size_t row) {
-    if (row == 1) {
-        throw std::bad_alloc();
-    }
-});
-EXPECT_THROW(twoRows.RunImport(*database, u"", 1036), std::bad_alloc);
-EXPECT_FALSE(twoRows.isOpen);
-EXPECT_EQ(Reimporting(*database), Earlier);
-twoRows.beforeRow = beforeRow;
-EXPECT_EQ(twoRows.RunImport(*database, u"", 1036), S_OK);  // the object works on
-EXPECT_EQ(Split(Reimporting(*database), u" / ").size(), 2u);
-}
-
-// What a second reader of the project sees while an import runs is the earlier table.
-TEST_F(ExternalViewImport, BecomesVisibleAsAWhole) {
-    int looks = 0;
-    twoRows.beforeRow = [&](std::size_t) {
-        EXPECT_EQ(Reimporting(*Open()), Earlier);
-        ++looks;
-    };
-    EXPECT_EQ(twoRows.RunImport(*database, u"", 1036), S_OK);
-    EXPECT_EQ(looks, 3);
+    import.fault = Fault::None;
+    EXPECT_EQ(import.RunImport(*database, u"", 1036), S_OK);  // the object works on
     EXPECT_EQ(Split(Reimporting(*database), u" / ").size(), 2u);
-}
-
-TEST_F(ExternalViewImport, ALockedProjectKeepsItsTableAndSaysSo) {
-    sqlite::SetBusyTimeout(50);
-    database = Open();
-    const auto other = Open();
-    ASSERT_TRUE(other->BeginTrans());
-    ASSERT_TRUE(other->Execute(u"UPDATE Pairs SET Source = 'x' WHERE ID = '1'"));
-    EXPECT_EQ(twoRows.RunImport(*database, u"", 1036), E_FAIL);
-    EXPECT_EQ(database->LastFailure().kind, DatabaseFailure::Kind::Locked);
-    ASSERT_TRUE(other->Rollback());
-    EXPECT_EQ(Reimporting(*database), Earlier);
-    EXPECT_EQ(twoRows.RunImport(*database, u"", 1036), S_OK);
-    sqlite::SetBusyTimeout(sqlite::DefaultBusyTimeout);
-}
-
-TEST_F(ExternalViewImport, AnRtfFileComesHome) {
-    const std::u16string path = folder.Path(u"reviewed.rtf");
-    WriteFile(path, testing::Head +
-                        "\\pard ID\\cell Source\\cell Target\\cell\\row {\\pard\\intbl "
-                        "1}\\cell one\\cell {\\f1\\'f8}\\cell\\row}");
-    CRTFImport import;
-    EXPECT_EQ(import.RunImport(*database, path, 1036), S_OK);
-    EXPECT_EQ(Reimporting(*database), u"1|one|one|-|eins|ř|changed||accept|1");
-    std::filesystem::remove(path);
-    EXPECT_EQ(import.RunImport(*database, path, 1036), everrUnableToOpenFile);
 }
 
 }  // namespace

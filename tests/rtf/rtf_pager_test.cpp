@@ -1,7 +1,7 @@
-#include "case_table.h"
-#include "extview/rtf/control_word.h"
 #include "extview/rtf/rtf_file_pager.h"
 #include "memory_file.h"
+
+#include <gtest/gtest.h>
 
 namespace generalutilities {
 namespace {
@@ -9,19 +9,6 @@ namespace {
 using testing::FileOf;
 
 constexpr std::uint32_t Page = RtfFilePager::PageSize;
-
-TEST(RtfFilePager, FindsTextAcrossPageBorders) {
-    const std::string text = "\\stylesheet";
-    for (std::uint32_t offset = Page - 14; offset <= Page + 2; ++offset) {
-        // "\\\\sty" before it are beginnings that lead nowhere.
-        const std::string content = std::string(offset - 5, 'x') + "\\\\sty" + text + "\\styles";
-        RtfFilePager pager;
-        ASSERT_TRUE(pager.Open(FileOf(content)));
-        EXPECT_EQ(pager.Find(0, text), offset);
-        EXPECT_EQ(pager.Find(offset, text), offset);
-        EXPECT_EQ(pager.Find(offset + 1, text), RtfFilePager::NotFound);
-    }
-}
 
 TEST(RtfFilePager, FindsNothingInWhatTheFileDoesNotHold) {
     RtfFilePager pager;
@@ -83,53 +70,6 @@ TEST(RtfFilePager, AFailedReadEndsTheFile) {
     EXPECT_EQ(pager.BytesFrom(5).size(), 5u);
     EXPECT_TRUE(pager.ReadFailed());
     EXPECT_TRUE(pager.BytesFrom(10).empty());
-}
-
-TEST(ControlWord, NameArgumentAndSpace) {
-    for (const auto& row : CaseTable("control_words.tsv")) {
-        const std::string text = Bytes(row[0]);
-        const auto end = static_cast<std::uint32_t>(Number(row[4]));
-        const auto nameEnd = static_cast<std::uint32_t>(Number(row[3]));
-        // At the start of a file, at its end, and around the border of two pages.
-        for (const std::uint32_t before :
-             {0u, 40u, Page - 17, Page - 3, Page - 2, Page - 1, Page}) {
-            for (const char* behind : {"", "}                    "}) {
-                if (*behind == '\0' && before == 40) {
-                    continue;
-                }
-                SCOPED_TRACE(text + " at " + std::to_string(before));
-                RtfFilePager pager;
-                ASSERT_TRUE(pager.Open(FileOf(std::string(before, '.') + text + behind)));
-                std::string spill;
-                const rtf::ControlWord word = rtf::ReadControlWord(pager, before, spill);
-                EXPECT_EQ(word.name, Bytes(row[1]));
-                EXPECT_EQ(word.argument, Number(row[2]));
-                EXPECT_EQ(word.nameEnd - before, nameEnd);
-                EXPECT_EQ(word.end - before, end);
-                EXPECT_EQ(word.hasArgument, word.name.size() + 1 <= end && text.at(nameEnd) != ' ');
-            }
-        }
-    }
-}
-
-TEST(ControlWordSet, FindsItsWordsAndThoseWithAMeaning) {
-    rtf::ControlWordSet words;
-    for (const char* name : {"row", "cell", "", "averyveryverylongcontrolword"}) {
-        EXPECT_EQ(words.Find(name), nullptr);
-        words.Add(name);
-        EXPECT_TRUE(words.MayMatter(name));
-        EXPECT_NE(words.Find(name), nullptr);
-    }
-    for (const char* name : {"u", "uc", "*", "rdblquote", "plain", "ts"}) {
-        EXPECT_TRUE(words.MayMatter(name)) << name;
-        EXPECT_NE(rtf::MeaningOf(name).kind, rtf::WordKind::Other) << name;
-        EXPECT_EQ(words.Find(name), nullptr) << name;
-    }
-    EXPECT_EQ(rtf::MeaningOf("pard").kind, rtf::WordKind::Other);
-    EXPECT_EQ(rtf::MeaningOf("").kind, rtf::WordKind::Other);
-    words.Clear();
-    EXPECT_EQ(words.Find("row"), nullptr);
-    EXPECT_TRUE(words.MayMatter("par"));
 }
 
 }  // namespace
