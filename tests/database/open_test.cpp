@@ -1,10 +1,10 @@
 #include "database/project_fixture.h"
 #include "database/raw_file.h"
 #include "platform/database/sqlite/connection.h"
+#include "seeded_random.h"
 
 #include <fcntl.h>
 #include <functional>
-#include <random>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -225,9 +225,7 @@ TEST_F(OpenTest, DamageGivesAFailureOrData) {
     Run(u"UPDATE Pairs SET Target_1036 = Source & Source & Source & Source & Source & Source");
     database.reset();
     const std::string intact = ReadFile(path);
-    const unsigned seed = std::random_device()();
-    SCOPED_TRACE("seed " + std::to_string(seed));
-    std::mt19937 random(seed);
+    SeededRandom random;
     const std::u16string damaged = folder.Path(u"damaged");
     const auto examine = [&](const std::string& bytes) {
         WriteFile(damaged, bytes);

@@ -2,8 +2,7 @@
 
 #include "case_table.h"
 #include "platform/cpu.h"
-
-#include <random>
+#include "seeded_random.h"
 
 namespace generalutilities::rtf {
 namespace {
@@ -40,9 +39,7 @@ TEST(RtfEscape, FindsTheSameByBlocksAsUnitByUnit) {
 
 /// Blocks begin anywhere in a text and end anywhere.
 TEST(RtfEscape, DoesNotDependOnThePlaceInATextOfBlocks) {
-    const unsigned seed = std::random_device()();
-    std::mt19937 random(seed);
-    SCOPED_TRACE(seed);
+    SeededRandom random;
     constexpr std::u16string_view Units = u"\r\r\n\t{7}\\\x01\x7F\x80\u03B1\u0436\u5B57\uFFFD xyz";
     for (int round = 0; round < 200; ++round) {
         std::u16string text;

@@ -2,8 +2,8 @@
 #include <generalutilities/extview/source_key.h>
 
 #include "case_table.h"
+#include "seeded_random.h"
 
-#include <random>
 #include <string>
 
 namespace generalutilities {
@@ -60,7 +60,7 @@ TEST(SegmentText, Tables) {
 }
 
 TEST(SegmentText, AgreesWithTheObviousVersions) {
-    std::mt19937 random(20240611);
+    SeededRandom random;
     for (int round = 0; round < 20000; ++round) {
         std::u16string marked, braced;
         for (auto length = random() % 14; length > 0; --length) {

@@ -7,6 +7,7 @@
 #include "database/temporary_folder.h"
 #include "extview/dao_recordset.h"
 #include "extview/progress.h"
+#include "extview/row_selection.h"
 #include "text/decimal.h"
 
 #include <gtest/gtest.h>
@@ -51,29 +52,18 @@ class TestProject {
     }
 
     void Add(const std::vector<PairRow>& rows) {
-        auto pairs = opened->OpenRecordset(u"Pairs", RecordsetType::Table);
-        ASSERT_TRUE(pairs);
-        ASSERT_TRUE(opened->BeginTrans());
-        const auto put = [&](std::u16string_view name, const FieldValue& value) {
-            EXPECT_TRUE(pairs->PutValue(pairs->FieldIndex(name).value(), value));
-        };
         const auto text = [](const std::optional<std::u16string>& value) {
-            return value ? FieldValue(std::u16string_view(*value)) : FieldValue();
+            return value ? u"'" + QuoteSql(*value) + u"', " : u"NULL, ";
         };
+        ASSERT_TRUE(opened->BeginTrans());
         for (const auto& row : rows) {
-            const std::u16string key = row.sourceKey.value_or(MakeSourceKey(row.source, 1033));
-            ASSERT_TRUE(pairs->AddNew());
-            put(u"ID", std::u16string_view(row.id));
-            put(u"Source", std::u16string_view(row.source));
-            put(u"Source2Index", std::u16string_view(key));
-            put(u"Target_" + language, text(row.target));
-            put(u"Status_" + language, row.status);
-            put(u"Comments_" + language, text(row.comments));
-            put(u"Percentage_" + language, row.percentage);
-            put(u"Done", false);
-            put(u"FileID", row.fileId);
-            put(u"Selected", row.selected);
-            ASSERT_TRUE(pairs->Update());
+            Execute(
+                u"INSERT INTO Pairs (ID, Source, Source2Index, Target_" + language +
+                u", Comments_" + language + u", Status_" + language + u", Percentage_" + language +
+                u", FileID, Selected, Done) VALUES (" + text(row.id) + text(row.source) +
+                text(row.sourceKey.value_or(MakeSourceKey(row.source, 1033))) + text(row.target) +
+                text(row.comments) + Decimal(row.status) + u", " + Decimal(row.percentage) + u", " +
+                Decimal(row.fileId) + (row.selected ? u", True, False)" : u", False, False)"));
         }
         ASSERT_TRUE(opened->CommitTrans());
     }

@@ -124,6 +124,20 @@ std::string ErrorOf(Call call) {
     return {};
 }
 
+/// Reads a file cut at each byte: what comes out is no more than the whole, or an error names it.
+template <class Read>
+void SurviveCuts(std::u16string_view name, std::size_t most, Read read) {
+    const std::string whole = ReadFile(DataFile(name));
+    const TemporaryFolder folder;
+    for (std::size_t length = 0; length < whole.size(); ++length) {
+        WriteFile(folder.Path(u"cut.file"), whole.substr(0, length));
+        std::size_t count = 0;
+        const std::string error = ErrorOf([&] { count = read(folder.Path(u"cut.file")); });
+        ASSERT_LE(count, most) << length;
+        ASSERT_TRUE(error.empty() || error.find("cut.file") != std::string::npos) << error;
+    }
+}
+
 /// Expects a message to hold all words that bars part.
 inline void ExpectWords(const std::string& message, const std::string& words) {
     std::istringstream list(words);

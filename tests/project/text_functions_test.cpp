@@ -10,9 +10,9 @@
 #include "platform/files/utf8.h"
 #include "project/placeholders.h"
 #include "project/word_diff_promises.h"
+#include "seeded_random.h"
 
 #include <map>
-#include <random>
 #include <set>
 
 namespace generalutilities {
@@ -130,8 +130,6 @@ TEST(StatusNames, ReadAndWriteEachOther) {
 
 class RandomTexts : public testing::Test {
   protected:
-    RandomTexts() : seed(std::random_device()()), random(seed) {}
-
     std::u16string Make() {
         constexpr std::u16string_view Pieces[] = {
             u"%s", u"{",     u"}",   u"\\",     u"<b>",          u"%(n)d",  u"{x}",    u"ab",
@@ -144,8 +142,7 @@ class RandomTexts : public testing::Test {
         return text;
     }
 
-    const unsigned seed;
-    std::mt19937 random;
+    SeededRandom random;
 };
 
 TEST_F(RandomTexts, AreTheirPlainTextAgain) {
@@ -153,9 +150,9 @@ TEST_F(RandomTexts, AreTheirPlainTextAgain) {
         const std::u16string text = Make();
         for (const TextForm form : {TextForm::Plain, TextForm::Placeholders}) {
             SegmentTextMaker maker(form);
-            ASSERT_EQ(PlainText(maker.Source(text)), text) << "seed " << seed;
+            ASSERT_EQ(PlainText(maker.Source(text)), text);
             maker.Source(u"%s {x} %(n)d");
-            ASSERT_EQ(PlainText(maker.Translation(text)), text) << "seed " << seed;
+            ASSERT_EQ(PlainText(maker.Translation(text)), text);
         }
     }
 }
@@ -175,7 +172,7 @@ TEST_F(RandomTexts, LongOnesThatShareLittleAreComparedInBounds) {
         a.append({static_cast<char16_t>(u'a' + random() % 26), u' '});
         b.append({static_cast<char16_t>(u'a' + random() % 26), u' '});
     }
-    EXPECT_TRUE(KeepsPromises(a, b)) << "seed " << seed;
+    EXPECT_TRUE(KeepsPromises(a, b));
     b = a;
     b.insert(b.size() / 2, u"new ");
     EXPECT_EQ(CompareWords(a, b, 1033).size(), 3U) << "a small change in a long text is found";
