@@ -8,7 +8,6 @@
 #include "seeded_random.h"
 
 #include <algorithm>
-#include <ranges>
 
 namespace generalutilities {
 namespace {
@@ -85,8 +84,7 @@ TEST(DocumentWalk, CountsSegmentsWithText) {
                 ++at;
             }
             if (!sources.empty()) {
-                const auto entry =
-                    std::ranges::count_if(sources | std::views::take(at + 1), hasText);
+                const auto entry = std::ranges::count_if(std::span(sources).first(at + 1), hasText);
                 ASSERT_EQ(walk.Current().status, entry > 4 ? 0 : entry);
                 ASSERT_EQ(walk.Current().score, walk.Current().status / 4.0);
                 ASSERT_EQ(walk.Current().target.text == u"x",
