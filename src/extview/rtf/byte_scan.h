@@ -1,11 +1,10 @@
 #pragma once
 
+#include <bit>
 #include <cstddef>
-#include <string>
 #include <string_view>
 
 #if defined(__SSE2__)
-#include <bit>
 #include <emmintrin.h>
 #endif
 
