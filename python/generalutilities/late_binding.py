@@ -101,7 +101,12 @@ class Object(Unknown):
     __slots__ = ("_invoke", "_events")
     _vt = values.VT_DISPATCH
 
-    def __init__(self, reference):
+    def __init__(self, reference=None):
+        """Takes over `reference`; without one a new object is created, as by `create`."""
+        if reference is None:
+            reference = _new(type(self).__name__)
+        elif not isinstance(reference, Reference):
+            raise TypeError(f"{type(self).__name__}() takes no value")
         super().__init__(reference)
         table = c_void_p.from_address(reference).value
         self._invoke = _invokes.get(table) or _invokes.setdefault(table, calls.invoke.of(reference))
@@ -258,10 +263,8 @@ def wrap(interface):
     return Unknown(Reference(runtime.add_reference(interface)))
 
 
-def create(name):
-    """A new object of a class: by its name in the library ("StringUtils") or by a ProgID."""
-    if not isinstance(name, str):
-        raise TypeError("an object is created by the name of its class")
+def _new(name):
+    """The `IDispatch` of a new object of a class."""
     described = type_information.types().get(name.removeprefix("GeneralUtilities.").removesuffix(".1"))
     if described is not None and described.kind == CLASS:
         clsid = described.guid
@@ -270,8 +273,14 @@ def create(name):
         check(runtime.CLSIDFromProgID(runtime.wide(name), found), f"creating {name}")
         clsid = found.raw
     runtime.SetErrorInfo(0, None)
-    return wrap(made(runtime.CoCreateInstance, clsid, None, 1, IID_IDispatch,
-                     source=f"creating {name}"))
+    return made(runtime.CoCreateInstance, clsid, None, 1, IID_IDispatch, source=f"creating {name}")
+
+
+def create(name):
+    """A new object of a class: by its name in the library ("StringUtils") or by a ProgID."""
+    if not isinstance(name, str):
+        raise TypeError("an object is created by the name of its class")
+    return wrap(_new(name))
 
 
 def _dictionary(mapping):

@@ -83,6 +83,7 @@ TABLE = [
     (lambda: create("StringUtils").ToUpper("a", "b"), TypeError, "3 were given"),
     (lambda: create("StringUtils").ToUpper(t="a"), TypeError, "unexpected keyword"),
     (lambda: create("StringUtils").Shout("a"), AttributeError, "Shout"),
+    (lambda: type(create("LongSet"))(3), TypeError, "takes no value"),
     (lambda: create("LongSet").Item(1), Error, "LongSet.Item"),
     (lambda: create("Scripting.Dictionary").Nothing(), AttributeError, "Nothing"),
     (lambda: create("Scripting.Dictionary").Add("a"), ArgumentError, "object.Add"),
