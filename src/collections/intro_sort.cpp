@@ -136,6 +136,7 @@ class IntroSortEngine {
                 j -= step;
             }
             if (i >= j) {
+                // No element is of no size. NOLINTNEXTLINE(clang-analyzer-core.DivideZero)
                 return static_cast<std::size_t>(i - base) / step;
             }
             size.Copy(held, i);

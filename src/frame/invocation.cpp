@@ -18,6 +18,7 @@ namespace {
 
 class OwnedVariant : public VARIANT {
   public:
+    // NOLINTNEXTLINE(clang-analyzer-optin.cplusplus.UninitializedObject): it is a union
     OwnedVariant() : VARIANT{} {}
     OwnedVariant(const OwnedVariant&) = delete;
     OwnedVariant& operator=(const OwnedVariant&) = delete;

@@ -304,6 +304,7 @@ std::optional<std::int32_t> LanguageOfReimport(Database& database) {
     }
     TableReader pairs(database, u"Pairs", RecordsetType::Table);
     std::vector<std::pair<std::int32_t, int>> candidates;  // with the fields of their targets
+    candidates.reserve(languages.size());
     for (const std::int32_t langId : languages) {
         candidates.emplace_back(langId, pairs.Field(LanguageColumn(u"Target", langId)));
     }

@@ -30,8 +30,8 @@ std::vector<Match> MatchMiddle(const Sequence& a, const Sequence& b, std::size_t
     const std::int32_t limit = std::min(n + m, MaximumRounds);
     // furthest[d][k + d]: how far round d came in `a` on the diagonal k = x - y.
     std::vector<std::vector<std::int32_t>> furthest;
-    const auto at = [&furthest](std::int32_t d, std::int32_t k) {
-        return furthest[static_cast<std::size_t>(d)][static_cast<std::size_t>(k + d)];
+    const auto at = [&furthest](std::int32_t d, std::int32_t k) -> std::int32_t& {
+        return furthest[static_cast<std::size_t>(d)][static_cast<std::size_t>(std::int64_t{k} + d)];
     };
     const auto goesDown = [&at](std::int32_t d, std::int32_t k) {
         return k == -d || (k != d && at(d - 1, k - 1) < at(d - 1, k + 1));
@@ -44,7 +44,7 @@ std::vector<Match> MatchMiddle(const Sequence& a, const Sequence& b, std::size_t
     };
     std::int32_t rounds = -1;
     for (std::int32_t d = 0; d <= limit && rounds < 0; ++d) {
-        furthest.emplace_back(static_cast<std::size_t>(2 * d + 1), 0);
+        furthest.emplace_back(static_cast<std::size_t>(std::int64_t{2} * d + 1), 0);
         for (std::int32_t k = -d; k <= d; k += 2) {
             std::int32_t x = start(d, k);
             std::int32_t y = x - k;
@@ -52,7 +52,7 @@ std::vector<Match> MatchMiddle(const Sequence& a, const Sequence& b, std::size_t
                 ++x;
                 ++y;
             }
-            furthest.back()[static_cast<std::size_t>(k + d)] = x;
+            at(d, k) = x;
             if (x >= n && y >= m) {
                 rounds = d;
                 break;

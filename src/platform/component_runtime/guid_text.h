@@ -39,7 +39,7 @@ inline std::optional<GUID> ParseGuid(std::string_view text) {
     if (text.size() != Form.size()) {
         return std::nullopt;
     }
-    std::uint8_t nibbles[32];
+    std::uint8_t nibbles[32]{};
     int count = 0;
     for (std::size_t i = 0; i < Form.size(); ++i) {
         const char c = text[i];

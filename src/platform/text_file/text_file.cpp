@@ -16,7 +16,7 @@ namespace generalutilities {
 
 namespace {
 
-constexpr std::size_t BufferSize = 256 * 1024;
+constexpr std::size_t BufferSize = std::size_t{256} * 1024;
 
 class PosixTextFileStream final : public TextFileStream {
   public:
