@@ -2,30 +2,15 @@
 
 #include <generalutilities/automation/dictionary.h>
 #include <generalutilities/automation/pointers.h>
-#include <generalutilities/interfaces/class_ids.h>
 
 #include "case_table.h"
-#include "frame/interface_descriptions.h"
-
-#include <map>
+#include "described_classes.h"
 
 namespace generalutilities {
 namespace {
 
 using Text = std::u16string;
 using Cells = std::vector<Text>;
-
-const std::map<Text, std::pair<CLSID, const InterfaceDescription& (*)()>> Classes = {
-    {u"StringUtils", {CLSID_StringUtils, DescribeStringUtils}},
-    {u"LongSet", {CLSID_LongSet, DescribeLongSet}},
-    {u"LongStack", {CLSID_LongStack, DescribeLongStack}},
-    {u"qlnDictionary", {CLSID_qlnDictionary, DescribeQLNDictionary}},
-    {u"CodePageHelper", {CLSID_CodePageHelper, DescribeCodePageHelper}},
-    {u"ExtViewHelper", {CLSID_ExtViewHelper, DescribeExtViewHelper}},
-    {u"ITDReader", {CLSID_ITDReader, DescribeITDReader}},
-    {u"ITDWriter", {CLSID_ITDWriter, DescribeITDWriter}},
-    {u"QLNSort", {CLSID_QLNSort, DescribeQLNSort}},
-    {u"UDrawText", {CLSID_UDrawText, DescribeUDrawText}}};
 
 Cells Split(const Text& cell) {
     Cells words(1);
@@ -282,7 +267,7 @@ TEST(Doors, AnswerAlike) {
                 EXPECT_TRUE(row[3] != u"-" || ReadFile(row[1]) == ReadFile(row[2]));
                 continue;
             }
-            const auto& [clsid, describe] = Classes.at(row[0]);
+            const auto& [clsid, describe] = DescribedClasses.at(row[0]);
             if (row[0] != className) {
                 className = row[0];
                 ASSERT_EQ(CoCreateInstance(clsid, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch,

@@ -1,9 +1,7 @@
 // Methods called straight through their tables, as lists in data/ have them.
 
-#include <generalutilities/interfaces/class_ids.h>
-
 #include "case_table.h"
-#include "frame/interface_descriptions.h"
+#include "described_classes.h"
 #include "itd/sample_file.h"
 #include "values.h"
 
@@ -15,15 +13,6 @@ namespace {
 
 constexpr std::int64_t Before = 0x5A5A5A5A5A5A5A5A;  ///< what no method may have written
 
-const std::map<std::u16string, std::pair<CLSID, const InterfaceDescription& (*)()>> Classes = {
-    {u"StringUtils", {CLSID_StringUtils, DescribeStringUtils}},
-    {u"LongSet", {CLSID_LongSet, DescribeLongSet}},
-    {u"LongStack", {CLSID_LongStack, DescribeLongStack}},
-    {u"qlnDictionary", {CLSID_qlnDictionary, DescribeQLNDictionary}},
-    {u"CodePageHelper", {CLSID_CodePageHelper, DescribeCodePageHelper}},
-    {u"ITDReader", {CLSID_ITDReader, DescribeITDReader}},
-    {u"ITDWriter", {CLSID_ITDWriter, DescribeITDWriter}},
-    {u"ExtViewHelper", {CLSID_ExtViewHelper, DescribeExtViewHelper}}};
 const std::map<std::u16string, HRESULT> Statuses = {{u"ok", S_OK},
                                                     {u"no", S_FALSE},
                                                     {u"null", E_POINTER},
@@ -135,10 +124,11 @@ TEST_P(Calls, AnswerAsListed) {
         SCOPED_TRACE(testing::PrintToString(row));
         if (!row[0].empty()) {
             name = row[0];
-            object = Create<IUnknown>(Classes.at(name).first, Classes.at(name).second().iid);
+            object = Create<IUnknown>(DescribedClasses.at(name).first,
+                                      DescribedClasses.at(name).second().iid);
         }
         const bool isSetter = row[1].starts_with(u"put ");
-        const auto& methods = Classes.at(name).second().methods;
+        const auto& methods = DescribedClasses.at(name).second().methods;
         const auto method = std::ranges::find_if(methods, [&](const Method& each) {
             return (each.kind == INVOKE_PROPERTYPUT) == isSetter &&
                    each.name == row[1].substr(isSetter ? 4 : 0);
